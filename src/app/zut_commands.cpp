@@ -1,0 +1,279 @@
+#include "zut_commands.h"
+
+#include <QJsonArray>
+#include <QJsonDocument>
+#include <QJsonObject>
+#include <cstdio>
+
+#include "cfg/cfg.h"
+#include "core/prog_error.h"
+#include "gapp/command.h"
+#include "gapp/command_container.h"
+#include "gapp/trait.h"
+#include "gscript/python_interpreter.h"
+#include "zut_host.h"
+
+namespace {
+
+void print(std::FILE* stream, const QString& text)
+{
+  const QByteArray bytes = text.toLocal8Bit();
+  std::fwrite(bytes.constData(), 1, size_t(bytes.size()), stream);
+  std::fflush(stream);
+}
+
+void printJson(const QJsonValue& value)
+{
+  const QJsonDocument document = value.isArray() ? QJsonDocument(value.toArray()) : QJsonDocument(value.toObject());
+  printOut(QString::fromUtf8(document.toJson(QJsonDocument::Indented)));
+}
+
+QJsonValue toJson(const QVariant& value)
+{
+  if (value.typeId() == Vel::Trait::fileTypeId())
+    return value.value<Vel::Parse::File>().getName();
+  if (value.typeId() == QMetaType::QVariantList || value.typeId() == QMetaType::QStringList) {
+    QJsonArray array;
+    for (const QVariant& element : value.toList())
+      array.append(toJson(element));
+    return array;
+  }
+  if (value.typeId() == QMetaType::QVariantMap) {
+    QJsonObject object;
+    const QVariantMap map = value.toMap();
+    for (auto it = map.begin(); it != map.end(); ++it)
+      object.insert(it.key(), toJson(it.value()));
+    return object;
+  }
+  return QJsonValue::fromVariant(value);
+}
+
+// "NAME=VALUE": the value as a Python literal, or as text when it is none.
+bool parseAssignment(const QString& argument, QString& name, QVariant& value)
+{
+  const int equals = int(argument.indexOf(QLatin1Char('=')));
+  if (equals <= 0)
+    return false;
+  name = argument.left(equals);
+  const QString text = argument.mid(equals + 1);
+  if (!Vel::GScript::PythonInterpreter::parseLiteral(text, value))
+    value = text;
+  return true;
+}
+
+int usage(const char* sub_command, const QString& problem)
+{
+  printErr(QStringLiteral("zut %1: %2\nTry 'zut %1 --help'.\n").arg(QString::fromLatin1(sub_command), problem));
+  return EXIT_USAGE;
+}
+
+// Runs a command as a script would and prints its result; a failure prints the code, the
+// message and the log.
+int runCommand(const QString& name, const Vel::GApp::CommandParameters& parameters, bool print_result, bool json)
+{
+  Vel::GApp::Command* command = Vel::GApp::CommandContainer::getInstance().getCommand(name);
+  if (!command) {
+    printErr(QStringLiteral("zut: no command named '%1' (see 'zut commands')\n").arg(name));
+    return EXIT_USAGE;
+  }
+  try {
+    const QVariant result = command->run(parameters, false);
+    if (json) {
+      printJson(QJsonObject{{QStringLiteral("command"), name}, {QStringLiteral("result"), toJson(result)}});
+    } else if (print_result && result.isValid()) {
+      QString text = result.typeId() == QMetaType::QString ? result.toString()
+                                                             : Vel::GScript::PythonInterpreter::repr(result);
+      if (!text.endsWith(QLatin1Char('\n')))
+        text += QLatin1Char('\n');
+      printOut(text);
+    }
+    return EXIT_OK;
+  } catch (const Vel::GApp::CommandError& error) {
+    if (json)
+      printJson(QJsonObject{{QStringLiteral("command"), name},
+                            {QStringLiteral("error"), QJsonObject{{QStringLiteral("code"), error.getCode()},
+                                                                  {QStringLiteral("message"), error.getMessage()},
+                                                                  {QStringLiteral("log"), error.getLog().getText()}}}});
+    printErr(error.getText() + QLatin1Char('\n'));
+    return EXIT_FAILED;
+  } catch (const Vel::ProgError& error) {
+    printErr(QStringLiteral("zut: internal error: %1\n").arg(QString::fromUtf8(error.what())));
+    return EXIT_FAILED;
+  }
+}
+
+int runScript(ZutHost&, const QStringList& arguments, bool)
+{
+  QString file;
+  QVariantMap parameters;
+  for (int i = 0; i < arguments.size(); ++i) {
+    const QString& argument = arguments[i];
+    if (argument == QLatin1String("-p") || argument == QLatin1String("--parameter")) {
+      if (++i >= arguments.size())
+        return usage("run", QStringLiteral("%1 needs NAME=VALUE").arg(argument));
+      QString name;
+      QVariant value;
+      if (!parseAssignment(arguments[i], name, value))
+        return usage("run", QStringLiteral("'%1' is not NAME=VALUE").arg(arguments[i]));
+      parameters.insert(name, value);
+    } else if (file.isEmpty()) {
+      file = argument;
+    } else {
+      return usage("run", QStringLiteral("unexpected argument '%1'").arg(argument));
+    }
+  }
+  if (file.isEmpty())
+    return usage("run", QStringLiteral("no script file given"));
+  Vel::GApp::CommandParameters command_parameters;
+  command_parameters.set(QStringLiteral("file"), QVariant::fromValue(Vel::Parse::File(file)));
+  if (!parameters.isEmpty())
+    command_parameters.set(QStringLiteral("parameters"), QVariant(parameters));
+  return runCommand(QStringLiteral("sys.execute_script"), command_parameters, false, false);
+}
+
+int execCode(ZutHost&, const QStringList& arguments, bool)
+{
+  if (arguments.size() != 1)
+    return usage("exec", QStringLiteral("exactly one CODE argument is expected"));
+  Vel::GApp::CommandParameters parameters;
+  parameters.set(QStringLiteral("code"), QVariant(arguments.first()));
+  return runCommand(QStringLiteral("sys.execute_python_code"), parameters, false, false);
+}
+
+int callCommand(ZutHost&, const QStringList& arguments, bool json)
+{
+  if (arguments.isEmpty())
+    return usage("call", QStringLiteral("no command given"));
+  Vel::GApp::CommandParameters parameters;
+  for (int i = 1; i < arguments.size(); ++i) {
+    QString name;
+    QVariant value;
+    if (!parseAssignment(arguments[i], name, value))
+      return usage("call", QStringLiteral("'%1' is not ARG=VALUE").arg(arguments[i]));
+    parameters.set(name, value);
+  }
+  return runCommand(arguments.first(), parameters, true, json);
+}
+
+int listCommands(ZutHost&, const QStringList& arguments, bool json)
+{
+  if (!arguments.isEmpty())
+    return usage("commands", QStringLiteral("unexpected argument '%1'").arg(arguments.first()));
+  const auto& container = Vel::GApp::CommandContainer::getInstance();
+  if (json) {
+    QJsonArray list;
+    for (const auto& entry : container) {
+      QJsonArray arguments_json;
+      for (const auto& argument : entry.second->getMetaInfo().getArgumentTypes())
+        arguments_json.append(QJsonObject{
+          {QStringLiteral("name"), argument.name},
+          {QStringLiteral("type"), Vel::GApp::CommandMetaInfo::typeCodeName(argument.type)},
+          {QStringLiteral("description"), argument.description}});
+      list.append(QJsonObject{{QStringLiteral("name"), entry.first},
+                              {QStringLiteral("title"), entry.second->getTitle()},
+                              {QStringLiteral("kind"), entry.second->getCommandType()},
+                              {QStringLiteral("arguments"), arguments_json}});
+    }
+    printJson(list);
+    return EXIT_OK;
+  }
+  int width = 0;
+  for (const auto& entry : container)
+    width = std::max(width, int(entry.first.size()));
+  QString text;
+  for (const auto& entry : container)
+    text += QStringLiteral("%1  %2  [%3]\n")
+              .arg(entry.first.leftJustified(width), entry.second->getTitle(), entry.second->getCommandType());
+  printOut(text);
+  return EXIT_OK;
+}
+
+int config(ZutHost& host, const QStringList& arguments, bool json)
+{
+  Vel::Cfg& cfg = host.cfg();
+  if (arguments.size() > 2)
+    return usage("config", QStringLiteral("at most KEY and VALUE are expected"));
+  if (arguments.size() == 2) {
+    QString error;
+    if (!cfg.setValueFromText(arguments[0], arguments[1], &error)) {
+      printErr(QStringLiteral("zut config: %1: %2\n").arg(arguments[0], error));
+      return EXIT_FAILED;
+    }
+    if (!cfg.save(&error)) {
+      printErr(QStringLiteral("zut config: %1\n").arg(error));
+      return EXIT_FAILED;
+    }
+  }
+
+  std::vector<const Vel::CfgItem*> items;
+  if (arguments.isEmpty()) {
+    for (const Vel::CfgItem* item : cfg.items())
+      if (item->type != Vel::CfgType::Node)
+        items.push_back(item);
+  } else {
+    const Vel::CfgItem* item = cfg.item(arguments[0]);
+    if (!item || item->type == Vel::CfgType::Node) {
+      printErr(QStringLiteral("zut config: unknown configuration key '%1'\n").arg(arguments[0]));
+      return EXIT_FAILED;
+    }
+    items.push_back(item);
+  }
+
+  if (json) {
+    QJsonArray list;
+    for (const Vel::CfgItem* item : items)
+      list.append(QJsonObject{{QStringLiteral("key"), item->key},
+                              {QStringLiteral("type"), Vel::CfgItem::typeName(item->type)},
+                              {QStringLiteral("value"), toJson(item->value)},
+                              {QStringLiteral("default"), toJson(item->default_value)},
+                              {QStringLiteral("description"), item->description}});
+    printJson(arguments.isEmpty() ? QJsonValue(list) : list.first());
+    return EXIT_OK;
+  }
+  QString text;
+  if (arguments.isEmpty()) {
+    for (const Vel::CfgItem* item : items)
+      text += QStringLiteral("%1 = %2\n").arg(item->key, Vel::Cfg::valueText(*item, item->value));
+  } else {
+    text = Vel::Cfg::valueText(*items.front(), items.front()->value) + QLatin1Char('\n');
+  }
+  printOut(text);
+  return EXIT_OK;
+}
+
+const SubCommand SUB_COMMANDS[] = {
+  {"run", "FILE.py [-p NAME=VALUE]...",
+   "Runs a Python script file through the command sys.execute_script. Each -p passes a parameter,\n"
+   "visible to the script in the dictionary PARAMETERS; VALUE is read as a Python literal, or\n"
+   "taken as text when it is none.",
+   true, runScript},
+  {"exec", "CODE", "Runs Python text through the command sys.execute_python_code.", true, execCode},
+  {"call", "COMMAND [ARG=VALUE]... [--json]",
+   "Runs any registered command and prints its result. VALUE is read as a Python literal\n"
+   "(3, True, [1, 2], {'a': 1}), or taken as text when it is none.",
+   true, callCommand},
+  {"commands", "[--json]", "Lists the registered commands: name, title and kind.", true, listCommands},
+  {"config", "[KEY [VALUE]] [--json]",
+   "Lists the configuration items, prints one, or sets one. A value is checked against the\n"
+   "item's type and range and saved at once.",
+   true, config},
+};
+
+}  // namespace
+
+void printOut(const QString& text) { print(stdout, text); }
+void printErr(const QString& text) { print(stderr, text); }
+
+const SubCommand* subCommands(int& count)
+{
+  count = int(sizeof(SUB_COMMANDS) / sizeof(SUB_COMMANDS[0]));
+  return SUB_COMMANDS;
+}
+
+const SubCommand* findSubCommand(const QString& name)
+{
+  for (const SubCommand& sub_command : SUB_COMMANDS)
+    if (name == QLatin1String(sub_command.name))
+      return &sub_command;
+  return nullptr;
+}

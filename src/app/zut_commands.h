@@ -1,0 +1,30 @@
+#pragma once
+
+#include <QStringList>
+
+class ZutHost;
+
+// Exit codes of every sub-command.
+enum ExitCode
+{
+  EXIT_OK = 0,
+  EXIT_FAILED = 1,
+  EXIT_USAGE = 2
+};
+
+struct SubCommand
+{
+  const char* name;
+  const char* synopsis;
+  const char* help;
+  // Whether the sub-command needs the scripting module loaded.
+  bool needs_module;
+  int (*run)(ZutHost& host, const QStringList& arguments, bool json);
+};
+
+const SubCommand* findSubCommand(const QString& name);
+const SubCommand* subCommands(int& count);
+
+// Prints to standard output / standard error in the locale's encoding.
+void printOut(const QString& text);
+void printErr(const QString& text);

@@ -1,0 +1,89 @@
+// zut: runs the scripting module from the command line.
+
+#include <QApplication>
+
+#include "zut_commands.h"
+#include "zut_host.h"
+
+namespace {
+
+QString overview()
+{
+  QString text = QStringLiteral(
+    "Usage: zut SUB-COMMAND [ARGUMENTS]\n"
+    "\n"
+    "Automates the application with Python through the scripting module.\n"
+    "\n"
+    "Sub-commands:\n");
+  int count = 0;
+  const SubCommand* list = subCommands(count);
+  for (int i = 0; i < count; ++i)
+    text += QStringLiteral("  %1 %2\n").arg(QString::fromLatin1(list[i].name).leftJustified(9),
+                                              QString::fromLatin1(list[i].synopsis));
+  text += QStringLiteral(
+    "\n'zut SUB-COMMAND --help' describes one. Exit status: 0 success, 1 a command failed,\n"
+    "2 wrong usage.\n");
+  return text;
+}
+
+QString help(const SubCommand& sub_command)
+{
+  return QStringLiteral("Usage: zut %1 %2\n\n%3\n")
+    .arg(QString::fromLatin1(sub_command.name), QString::fromLatin1(sub_command.synopsis),
+         QString::fromLatin1(sub_command.help));
+}
+
+}  // namespace
+
+int main(int argc, char* argv[])
+{
+  // Without a display every sub-command that needs no person still works.
+  if (qEnvironmentVariableIsEmpty("DISPLAY") && qEnvironmentVariableIsEmpty("WAYLAND_DISPLAY") &&
+      qEnvironmentVariableIsEmpty("QT_QPA_PLATFORM"))
+    qputenv("QT_QPA_PLATFORM", "offscreen");
+
+  QStringList arguments;
+  for (int i = 1; i < argc; ++i)
+    arguments << QString::fromLocal8Bit(argv[i]);
+
+  if (arguments.isEmpty()) {
+    printErr(overview());
+    return EXIT_USAGE;
+  }
+  if (arguments.first() == QLatin1String("--help") || arguments.first() == QLatin1String("-h") ||
+      arguments.first() == QLatin1String("help")) {
+    printOut(overview());
+    return EXIT_OK;
+  }
+  const SubCommand* sub_command = findSubCommand(arguments.first());
+  if (!sub_command) {
+    printErr(QStringLiteral("zut: unknown sub-command '%1'\n\n").arg(arguments.first()) + overview());
+    return EXIT_USAGE;
+  }
+  arguments.removeFirst();
+  // Options of the sub-command stop at "--" so that code and values may look like options.
+  bool json = false;
+  QStringList rest;
+  bool options = true;
+  for (const QString& argument : arguments) {
+    if (options && argument == QLatin1String("--")) {
+      options = false;
+    } else if (options && (argument == QLatin1String("--help") || argument == QLatin1String("-h"))) {
+      printOut(help(*sub_command));
+      return EXIT_OK;
+    } else if (options && argument == QLatin1String("--json")) {
+      json = true;
+    } else {
+      rest << argument;
+    }
+  }
+
+  QApplication application(argc, argv);
+  QApplication::setApplicationName(QStringLiteral("zut"));
+  ZutHost host;
+  if (sub_command->needs_module && !host.start())
+    return EXIT_FAILED;
+  const int status = sub_command->run(host, rest, json);
+  host.stop();
+  return status;
+}

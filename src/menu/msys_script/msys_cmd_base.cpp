@@ -1,0 +1,39 @@
+#include "menu/msys_script/msys_cmd_base.h"
+
+#include "core/translate.h"
+
+namespace Vel::MSysScript {
+
+QString CatalogueText::toString() const
+{
+  if (!text)
+    return QString();
+  return key ? translate(context, text, key) : QString::fromUtf8(text);
+}
+
+MSysCommand::MSysCommand(const QString& name, CatalogueText title,
+                         const GApp::CommandMetaInfo::ArgumentTypes& arguments, CatalogueText menu_title)
+    : GApp::Command(name), _title(title), _menu_title(menu_title)
+{
+  getMetaInfo().setArgumentTypes(arguments);
+}
+
+void MSysCommand::failNotAvailable() const
+{
+  throw GApp::CommandError(QStringLiteral("The command '%1' is not available yet.").arg(getName()));
+}
+
+QVariant getArgumentValue(const GApp::CommandParameters& parameters, const QString& name, int type_id)
+{
+  if (!parameters.contains(name))
+    throw GApp::CommandError(QStringLiteral("command argument '%1' is missing").arg(name));
+  const Trait value = parameters.get(name);
+  QVariant converted;
+  if (!value.convertTo(StageIdentifier::NO_STAGE, type_id, converted))
+    throw GApp::CommandError(QStringLiteral("command argument '%1' of type '%2' cannot be converted to required type '%3'")
+                               .arg(name, GApp::CommandParameters::generateReadableTypeName(value.getTypeId()),
+                                    GApp::CommandParameters::generateReadableTypeName(type_id)));
+  return converted;
+}
+
+}  // namespace Vel::MSysScript

@@ -1,0 +1,50 @@
+#pragma once
+
+#include <QString>
+
+#include "gapp/command.h"
+
+namespace Vel::MSysScript {
+
+// A text of the catalogue: looked up when shown, so that an installed catalogue applies.
+// Without a key the text is shown as it stands (texts marked not to be translated).
+struct CatalogueText
+{
+  const char* context = nullptr;
+  const char* text = nullptr;
+  const char* key = nullptr;
+
+  QString toString() const;
+};
+
+// A command of this module: its title (and menu title, where the menu says it differently)
+// and its argument table.
+class MSysCommand : public GApp::Command
+{
+public:
+  MSysCommand(const QString& name, CatalogueText title, const GApp::CommandMetaInfo::ArgumentTypes& arguments,
+              CatalogueText menu_title = CatalogueText());
+
+  QString getTitle() const override { return _title.toString(); }
+  QString getMenuTitle() const override { return _menu_title.text ? _menu_title.toString() : getTitle(); }
+
+protected:
+  // For commands whose behaviour has not been built yet: a clear failure, never a silent no-op.
+  [[noreturn]] void failNotAvailable() const;
+
+private:
+  CatalogueText _title;
+  CatalogueText _menu_title;
+};
+
+// Reads argument `name` as type T: a missing argument or one that does not convert is the
+// caller's fault, reported as a command error with the argument's name and types.
+QVariant getArgumentValue(const GApp::CommandParameters& parameters, const QString& name, int type_id);
+
+template <class T>
+T getArgument(const GApp::CommandParameters& parameters, const QString& name)
+{
+  return getArgumentValue(parameters, name, qMetaTypeId<T>()).template value<T>();
+}
+
+}  // namespace Vel::MSysScript

@@ -1,0 +1,104 @@
+#include "menu/msys_script/msys_library.h"
+
+#include <QCoreApplication>
+#include <QObject>
+#include <QPointer>
+
+#include "core/color.h"
+#include "core/prog_error.h"
+#include "core/translate.h"
+#include "gapp/app_status_manager.h"
+#include "menu/msys_script/msys_cmd_delay.h"
+#include "menu/msys_script/msys_cmd_dialog.h"
+#include "menu/msys_script/msys_cmd_editor.h"
+#include "menu/msys_script/msys_cmd_execute.h"
+#include "menu/msys_script/msys_cmd_export_archive.h"
+#include "menu/msys_script/msys_cmd_export_script.h"
+#include "menu/msys_script/msys_cmd_test_timeout.h"
+#include "menu/msys_script/msys_config.h"
+#include "menu/msys_script/msys_error_codes.h"
+#include "menu/msys_script/msys_exit_notifier.h"
+#include "menu/msys_script/msys_special_menu_provider.h"
+
+namespace Vel::MSysScript {
+namespace {
+
+// The object through which GUI-test automation finds the module's dialogs.
+QPointer<QObject> squish_proxy;
+
+template <class Function>
+void guarded(const char* function, Function body)
+{
+  try {
+    body();
+  } catch (const ProgError& error) {
+    reportProgError(error);
+  } catch (const std::exception& error) {
+    reportProgError(ProgError(QString::fromLatin1(function), QStringLiteral("msys_library"),
+                              QString::fromUtf8(error.what())));
+  }
+}
+
+void createCommands()
+{
+  // Each command registers itself with the host's container, which owns it from now on.
+  new DelayCommand;
+  new EditorCommand;
+  new ExecuteScriptCommand;
+  new ExecutePythonCodeCommand;
+  new ImportScriptCommand;
+  new ExportScriptCommand;
+  new ImportScriptArchiveCommand;
+  new ExportScriptArchiveCommand;
+  new SetTestTimeoutCommand;
+  new CreateDialogCommand;
+  new ExecuteDialogCommand;
+  new ShowDialogCommand;
+  new OpenDialogCommand;
+  new CloseDialogCommand;
+}
+
+}  // namespace
+
+extern "C" {
+
+void InitLibrary(Vel::CfgNode* root)
+{
+  guarded("InitLibrary", [root] {
+    VEL_ASSERT(root);
+    installTranslator(QStringLiteral("VelMSysScript"));
+    Color::registerMetaType();
+    createCommands();
+    declareConfiguration(root);
+    declareTemplateConfiguration(root);
+    registerErrorCodes();
+  });
+}
+
+void CloseLibrary()
+{
+  // Commands and configuration items belong to the host once registered.
+}
+
+void InitDefaults()
+{
+  guarded("InitDefaults", [] {
+    GApp::AppStatusManager::registerExitNotifier(&ExitNotifier::getInstance());
+    ScriptSpecialMenuProvider::initialize();
+    if (!squish_proxy) {
+      squish_proxy = new QObject(QCoreApplication::instance());
+      squish_proxy->setObjectName(QStringLiteral("SquishProxy"));
+    }
+  });
+}
+
+void CloseDefaults()
+{
+  guarded("CloseDefaults", [] {
+    ScriptSpecialMenuProvider::deinitialize();
+    GApp::AppStatusManager::unregisterExitNotifier(&ExitNotifier::getInstance());
+  });
+}
+
+}  // extern "C"
+}  // namespace Vel::MSysScript

@@ -1,0 +1,42 @@
+#include "core/translate.h"
+
+#include <QCoreApplication>
+#include <QDir>
+#include <QLocale>
+#include <QTranslator>
+
+namespace Vel {
+
+QString translate(const char* context, const char* text, const char* key)
+{
+  return QCoreApplication::translate(context, text, key);
+}
+
+QStringList translationFolders()
+{
+  QStringList folders;
+  const QString env = qEnvironmentVariable("ZUT_TRANSLATIONS");
+  if (!env.isEmpty())
+    folders << env.split(QLatin1Char(':'), Qt::SkipEmptyParts);
+  if (QCoreApplication::instance())
+    folders << QDir(QCoreApplication::applicationDirPath()).absoluteFilePath(QStringLiteral("../share/zut/translations"));
+  return folders;
+}
+
+bool installTranslator(const QString& name)
+{
+  if (!QCoreApplication::instance())
+    return false;
+  for (const QString& folder : translationFolders()) {
+    // Owned by the application object: catalogues stay installed for the process lifetime.
+    auto* translator = new QTranslator(QCoreApplication::instance());
+    if (translator->load(QLocale(), name, QStringLiteral("_"), folder)) {
+      QCoreApplication::installTranslator(translator);
+      return true;
+    }
+    delete translator;
+  }
+  return false;
+}
+
+}  // namespace Vel

@@ -1,0 +1,21 @@
+#pragma once
+
+#include <QString>
+
+#include "core/vel_export.h"
+
+namespace Vel {
+
+// Looks `text` up in the installed catalogues; `key` ("id=NNN", optionally "#flags") is the
+// disambiguation. Falls back to the English text.
+VEL_EXPORT QString translate(const char* context, const char* text, const char* key);
+
+// Installs the Qt catalogue `<name>_<locale>.qm` for the current locale from the
+// translation folders. Returns false when there is none (English is then used).
+VEL_EXPORT bool installTranslator(const QString& name);
+
+// Folders searched for catalogues: $ZUT_TRANSLATIONS, then share/zut/translations next to
+// the program's installation.
+VEL_EXPORT QStringList translationFolders();
+
+}  // namespace Vel

@@ -1,0 +1,150 @@
+#include "gapp/command.h"
+
+#include "core/color.h"
+#include "core/error_message_container.h"
+#include "gapp/command_container.h"
+
+namespace Vel::GApp {
+
+const char* const ERR_COMMAND_FAILED = "GAppErr-0001";
+
+namespace {
+
+void registerFrameworkErrors()
+{
+  static const bool done = [] {
+    ErrorMessageContainer::registerError(ERR_COMMAND_FAILED, QStringLiteral("Command failed"));
+    return true;
+  }();
+  (void)done;
+}
+
+ErrorLog logOf(const QString& message)
+{
+  ErrorLog log;
+  log.addLine(message);
+  return log;
+}
+
+}  // namespace
+
+CommandError::CommandError(const QString& code, const ErrorLog& log)
+    : _code(code), _log(log), _what(getText().toStdString())
+{
+}
+
+CommandError::CommandError(const QString& message) : CommandError(QString::fromLatin1(ERR_COMMAND_FAILED), logOf(message))
+{
+  registerFrameworkErrors();
+}
+
+QString CommandError::getMessage() const
+{
+  registerFrameworkErrors();
+  return ErrorMessageContainer::getMessage(_code);
+}
+
+QString CommandError::getText() const
+{
+  QString text = _code;
+  const QString message = getMessage();
+  if (!message.isEmpty())
+    text += QStringLiteral(": ") + message;
+  if (!_log.isEmpty())
+    text += QLatin1Char('\n') + _log.getText();
+  return text;
+}
+
+// ---------------------------------------------------------------------------------------------
+
+Trait CommandParameters::get(const QString& name) const
+{
+  const auto found = _values.find(name);
+  return found == _values.end() ? Trait() : found->second;
+}
+
+QString CommandParameters::generateReadableTypeName(int type_id)
+{
+  if (type_id == Trait::fileTypeId())
+    return QStringLiteral("file");
+  if (type_id == qMetaTypeId<Vel::Color>())
+    return QStringLiteral("color");
+  switch (type_id) {
+    case QMetaType::UnknownType: return QStringLiteral("none");
+    case QMetaType::Bool: return QStringLiteral("boolean");
+    case QMetaType::Int:
+    case QMetaType::UInt:
+    case QMetaType::LongLong:
+    case QMetaType::ULongLong: return QStringLiteral("integer");
+    case QMetaType::Double: return QStringLiteral("float");
+    case QMetaType::QString: return QStringLiteral("string");
+    case QMetaType::QStringList: return QStringLiteral("list of strings");
+    case QMetaType::QVariantList: return QStringLiteral("list");
+    case QMetaType::QVariantMap:
+    case QMetaType::QVariantHash: return QStringLiteral("parameter map");
+    default: {
+      const char* name = QMetaType(type_id).name();
+      return name ? QString::fromLatin1(name) : QStringLiteral("unknown");
+    }
+  }
+}
+
+// ---------------------------------------------------------------------------------------------
+
+QString CommandMetaInfo::typeCodeName(int code)
+{
+  switch (code) {
+    case TYPE_BOOLEAN: return QStringLiteral("boolean");
+    case TYPE_INTEGER: return QStringLiteral("integer");
+    case TYPE_DOUBLE: return QStringLiteral("float");
+    case TYPE_STRING: return QStringLiteral("string");
+    case TYPE_FILE: return QStringLiteral("file");
+    case TYPE_LIST: return QStringLiteral("list");
+    case TYPE_DICTIONARY: return QStringLiteral("dictionary");
+    case TYPE_PARAMETER_MAP: return QStringLiteral("parameter map");
+    case TYPE_CONFIG_LEVEL: return QStringLiteral("configuration level");
+    case TYPE_OBJECT: return QStringLiteral("object");
+    default: return QStringLiteral("any");
+  }
+}
+
+void CommandMetaInfo::setArgumentTypes(const ArgumentTypes& arguments)
+{
+  _values[KEY_ARGUMENT_TYPES] = QVariant::fromValue(arguments);
+}
+
+CommandMetaInfo::ArgumentTypes CommandMetaInfo::getArgumentTypes() const
+{
+  return _values.value(KEY_ARGUMENT_TYPES).value<ArgumentTypes>();
+}
+
+void CommandMetaInfo::setFlags(bool needs_main_window, bool undoable, bool scriptable)
+{
+  _needs_main_window = needs_main_window;
+  _undoable = undoable;
+  _scriptable = scriptable;
+}
+
+// ---------------------------------------------------------------------------------------------
+
+Command::Command(const QString& name) : _name(name) { CommandContainer::getInstance().registerCommand(this); }
+
+Command::~Command() { CommandContainer::getInstance().unregisterCommand(this); }
+
+bool Command::prepareInteractive(CommandParameters&) { return true; }
+
+QVariant Command::run(const CommandParameters& parameters, bool interactive)
+{
+  _result = QVariant();
+  if (interactive) {
+    CommandParameters completed = parameters;
+    if (!prepareInteractive(completed))
+      return QVariant();
+    execute(completed);
+  } else {
+    execute(parameters);
+  }
+  return _result;
+}
+
+}  // namespace Vel::GApp

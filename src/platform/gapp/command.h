@@ -1,0 +1,153 @@
+#pragma once
+
+#include <QList>
+#include <QMap>
+#include <QString>
+#include <QVariant>
+#include <exception>
+#include <map>
+#include <string>
+
+#include "core/error_log.h"
+#include "core/vel_export.h"
+#include "gapp/trait.h"
+
+namespace Vel::GApp {
+
+// Host error codes of the command framework itself.
+VEL_EXPORT extern const char* const ERR_COMMAND_FAILED;  // "GAppErr-0001"
+
+// A user's or a script's fault while running a command: an error code whose registered message
+// the user sees, and the detail lines of the log.
+class VEL_EXPORT CommandError : public std::exception
+{
+public:
+  CommandError(const QString& code, const ErrorLog& log);
+  // A failure without a code of its own: the framework's code, the text as the log.
+  explicit CommandError(const QString& message);
+
+  const QString& getCode() const { return _code; }
+  const ErrorLog& getLog() const { return _log; }
+  // The message registered for the code.
+  QString getMessage() const;
+  // "CODE: message" followed by the log lines.
+  QString getText() const;
+  const char* what() const noexcept override { return _what.c_str(); }
+
+private:
+  QString _code;
+  ErrorLog _log;
+  std::string _what;
+};
+
+// The typed arguments of one command call, by name.
+class VEL_EXPORT CommandParameters
+{
+public:
+  bool contains(const QString& name) const { return _values.count(name) != 0; }
+  Trait get(const QString& name) const;
+  void set(const QString& name, const Trait& value) { _values[name] = value; }
+  void set(const QString& name, const QVariant& value) { _values[name] = Trait(value); }
+  void remove(const QString& name) { _values.erase(name); }
+  const std::map<QString, Trait>& values() const { return _values; }
+
+  // The name a user knows a meta-type by ("integer", "text", "parameter map").
+  static QString generateReadableTypeName(int type_id);
+
+private:
+  std::map<QString, Trait> _values;
+};
+
+// What the framework knows of a command beyond its name: flags and keyed values, the argument
+// table among them.
+class VEL_EXPORT CommandMetaInfo
+{
+public:
+  enum TypeCode
+  {
+    TYPE_ANY = 0,
+    TYPE_BOOLEAN = 1,
+    TYPE_INTEGER = 2,
+    TYPE_DOUBLE = 3,
+    TYPE_STRING = 4,
+    TYPE_FILE = 5,
+    TYPE_LIST = 6,
+    TYPE_DICTIONARY = 7,
+    TYPE_PARAMETER_MAP = 8,
+    TYPE_CONFIG_LEVEL = 9,
+    TYPE_OBJECT = 10
+  };
+  static QString typeCodeName(int code);
+
+  struct Argument
+  {
+    QString name;
+    int type = TYPE_ANY;
+    QString description;
+  };
+  using ArgumentTypes = QList<Argument>;
+
+  // Key under which the argument table is kept.
+  static constexpr int KEY_ARGUMENT_TYPES = 700;
+
+  void setValue(int key, const QVariant& value) { _values[key] = value; }
+  QVariant getValue(int key) const { return _values.value(key); }
+
+  void setArgumentTypes(const ArgumentTypes& arguments);
+  ArgumentTypes getArgumentTypes() const;
+
+  // needs_main_window: only runs with the GUI up; undoable: the run can be undone; scriptable:
+  // scripts may call the command through zut.script.
+  void setFlags(bool needs_main_window, bool undoable, bool scriptable);
+  bool needsMainWindow() const { return _needs_main_window; }
+  bool isUndoable() const { return _undoable; }
+  bool isScriptable() const { return _scriptable; }
+
+private:
+  QMap<int, QVariant> _values;
+  bool _needs_main_window = false;
+  bool _undoable = false;
+  bool _scriptable = true;
+};
+
+// An application command. It registers itself with the command container when constructed;
+// the container owns it from then on, and deleting it withdraws it.
+class VEL_EXPORT Command
+{
+public:
+  explicit Command(const QString& name);
+  virtual ~Command();
+  Command(const Command&) = delete;
+  Command& operator=(const Command&) = delete;
+
+  const QString& getName() const { return _name; }
+  virtual QString getTitle() const { return _name; }
+  virtual QString getMenuTitle() const { return getTitle(); }
+  // The kind of command, for listings and for code that treats kinds differently.
+  virtual QString getCommandType() const { return QStringLiteral("cmd_execute"); }
+
+  // Runs the command; a user's or script's fault is thrown as CommandError.
+  virtual void execute(const CommandParameters& parameters) = 0;
+  // Lets the user complete the arguments before an interactive run (file dialogs and the
+  // like). False when the user cancelled.
+  virtual bool prepareInteractive(CommandParameters& parameters);
+
+  // One call as the framework makes it: clears the result, optionally asks the user, runs.
+  // Returns the result (invalid when there is none or the user cancelled).
+  QVariant run(const CommandParameters& parameters, bool interactive);
+
+  CommandMetaInfo& getMetaInfo() { return _meta_info; }
+  const CommandMetaInfo& getMetaInfo() const { return _meta_info; }
+
+  void setResult(const QVariant& result) { _result = result; }
+  const QVariant& getResult() const { return _result; }
+
+private:
+  QString _name;
+  CommandMetaInfo _meta_info;
+  QVariant _result;
+};
+
+}  // namespace Vel::GApp
+
+Q_DECLARE_METATYPE(Vel::GApp::CommandMetaInfo::ArgumentTypes)

@@ -1,0 +1,49 @@
+#pragma once
+
+#include <QString>
+#include <vector>
+
+#include "core/vel_export.h"
+#include "gapp/command.h"
+
+class QMenu;
+
+namespace Vel {
+
+// How the application was started.
+class VEL_EXPORT VelInit
+{
+public:
+  // Kiosk mode: a locked-down station where leaving the application must be confirmed.
+  static bool isKioskMode();
+  static void setKioskMode(bool kiosk);
+};
+
+namespace GApp {
+
+// A plug-in that fills one of the application's special menus with its own entries.
+class VEL_EXPORT SpecialMenuProvider
+{
+public:
+  virtual ~SpecialMenuProvider();
+  virtual QString getMenuId() const = 0;
+  virtual void fillMenu(QMenu* menu) const = 0;
+};
+
+class VEL_EXPORT MainWindow
+{
+public:
+  // Runs a command as a menu entry does: the user may complete its arguments, and a failure is
+  // reported to the user (error dialog, or standard error without a display) instead of thrown.
+  // Returns whether the command ran and succeeded.
+  static bool executeMenu(Command* command, const CommandParameters& parameters = CommandParameters());
+
+  static void registerSpecialMenuProvider(SpecialMenuProvider* provider);
+  static void unregisterSpecialMenuProvider(SpecialMenuProvider* provider);
+  static const std::vector<SpecialMenuProvider*>& getSpecialMenuProviders();
+  // Fills `menu` with the entries of every provider of `menu_id`.
+  static void fillSpecialMenu(const QString& menu_id, QMenu* menu);
+};
+
+}  // namespace GApp
+}  // namespace Vel

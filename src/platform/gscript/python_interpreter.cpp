@@ -1,0 +1,93 @@
+#include "gscript/python_interpreter.h"
+
+#include <pybind11/embed.h>
+
+#include <QVariant>
+
+#include "core/error_message_container.h"
+#include "core/prog_error.h"
+#include "gscript/execute.h"
+#include "gscript/python_values.h"
+
+namespace py = pybind11;
+
+namespace Vel::GScript {
+namespace {
+
+enum class State
+{
+  NotStarted,
+  Running,
+  Finished
+};
+State state = State::NotStarted;
+
+}  // namespace
+
+void InterpreterStack::pop(const Execute* level)
+{
+  if (_levels.empty() || _levels.back() != level)
+    throw ProgError(QStringLiteral("pop"), QStringLiteral("python_interpreter"),
+                    QStringLiteral("Interpreter stack out of order"));
+  _levels.pop_back();
+}
+
+void PythonInterpreter::initialize()
+{
+  if (state == State::Running)
+    return;
+  if (state == State::Finished)
+    throw ProgError(QStringLiteral("initialize"), QStringLiteral("python_interpreter"),
+                    QStringLiteral("Python interpreter already finalized"));
+
+  ErrorMessageContainer::registerError(ERR_SCRIPT_FAILED, QStringLiteral("Python script failed"));
+
+  PyConfig config;
+  PyConfig_InitPythonConfig(&config);
+  config.parse_argv = 0;
+  // Ctrl+C ends the application as any other; Python gets no SIGINT handler of its own.
+  config.install_signal_handlers = 0;
+  // The standard library of the Python we were built against, whatever PYTHONHOME says.
+  PyConfig_SetBytesString(&config, &config.home, ZUT_PYTHON_HOME);
+  py::initialize_interpreter(&config, 0, nullptr, false);
+  state = State::Running;
+}
+
+bool PythonInterpreter::isInitialized() { return state == State::Running; }
+
+void PythonInterpreter::finalize()
+{
+  if (state != State::Running)
+    return;
+  if (!getInterpreterStack().empty())
+    throw ProgError(QStringLiteral("finalize"), QStringLiteral("python_interpreter"),
+                    QStringLiteral("Python interpreter finalized while a script runs"));
+  py::finalize_interpreter();
+  state = State::Finished;
+}
+
+InterpreterStack& PythonInterpreter::getInterpreterStack()
+{
+  static InterpreterStack stack;
+  return stack;
+}
+
+bool PythonInterpreter::parseLiteral(const QString& text, QVariant& value)
+{
+  initialize();
+  try {
+    const py::object parsed = py::module_::import("ast").attr("literal_eval")(text.toStdString());
+    value = toVariant(parsed);
+    return true;
+  } catch (const py::error_already_set&) {
+    return false;
+  }
+}
+
+QString PythonInterpreter::repr(const QVariant& value)
+{
+  initialize();
+  return QString::fromStdString(py::repr(fromVariant(value)).cast<std::string>());
+}
+
+}  // namespace Vel::GScript

@@ -1,0 +1,49 @@
+#pragma once
+
+#include <QString>
+#include <vector>
+
+#include "core/vel_export.h"
+
+namespace Vel::GScript {
+
+class Execute;
+
+// The runs of Python in progress, outermost first. A script that calls a command that runs
+// another script adds a level; the recursion guard of script commands reads the depth.
+class VEL_EXPORT InterpreterStack
+{
+public:
+  size_t size() const { return _levels.size(); }
+  bool empty() const { return _levels.empty(); }
+  const Execute* top() const { return _levels.empty() ? nullptr : _levels.back(); }
+
+  void push(const Execute* level) { _levels.push_back(level); }
+  // Throws ProgError when `level` is not the innermost run.
+  void pop(const Execute* level);
+
+private:
+  std::vector<const Execute*> _levels;
+};
+
+// The one embedded CPython interpreter of the process. Started on first use, on the GUI
+// thread, which keeps the interpreter lock for the life of the process.
+class VEL_EXPORT PythonInterpreter
+{
+public:
+  static void initialize();
+  static bool isInitialized();
+  // Ends the interpreter; the host calls it last, after every command that may hold Python
+  // objects is gone. The interpreter cannot be started again afterwards.
+  static void finalize();
+
+  static InterpreterStack& getInterpreterStack();
+
+  // Reads a Python literal ("3", "True", "[1, 2]", "{'a': 1}") into a value; false when the
+  // text is no literal or the value has no command-argument form.
+  static bool parseLiteral(const QString& text, class QVariant& value);
+  // The value as Python's repr() shows it ("None", "[1, 'a']").
+  static QString repr(const class QVariant& value);
+};
+
+}  // namespace Vel::GScript

@@ -1,0 +1,124 @@
+// The built-in package `zut`: scripts reach every registered command through zut.script (without
+// its interactive dialog) and zut.interactive (with it).
+
+#include <pybind11/embed.h>
+
+#include "core/prog_error.h"
+#include "core/script_type.h"
+#include "gapp/command.h"
+#include "gapp/command_container.h"
+#include "gscript/python_values.h"
+
+namespace py = pybind11;
+
+namespace Vel::GScript {
+namespace {
+
+// A dotted part of the command names ("sys", "sys.execute_script"); attribute access goes one
+// level down, a call runs the command of that name.
+struct CommandNamespace
+{
+  std::string prefix;
+  bool interactive = false;
+
+  std::string root() const { return interactive ? "zut.interactive" : "zut.script"; }
+  std::string path() const { return prefix.empty() ? root() : root() + "." + prefix; }
+};
+
+CommandNamespace attribute(const CommandNamespace& self, const std::string& name)
+{
+  // Dunder look-ups (copy, pickle, introspection) are no command names.
+  if (name.size() > 1 && name[0] == '_' && name[1] == '_')
+    throw py::attribute_error(name);
+  const std::string full = self.prefix.empty() ? name : self.prefix + "." + name;
+  const QString qualified = QString::fromStdString(full);
+  const GApp::CommandContainer& container = GApp::CommandContainer::getInstance();
+  if (!container.getCommand(qualified) && !container.hasCommandsBelow(qualified))
+    throw py::attribute_error(self.root() + " has no command '" + full + "'");
+  return CommandNamespace{full, self.interactive};
+}
+
+[[noreturn]] void raise(const char* class_name, const py::tuple& arguments)
+{
+  const py::object cls = py::module_::import("zut").attr(class_name);
+  const py::object instance = cls(*arguments);
+  PyErr_SetObject(cls.ptr(), instance.ptr());
+  throw py::error_already_set();
+}
+
+py::object call(const CommandNamespace& self, const py::args& args, const py::kwargs& kwargs)
+{
+  GApp::Command* command = GApp::CommandContainer::getInstance().getCommand(QString::fromStdString(self.prefix));
+  if (!command)
+    throw py::attribute_error(self.root() + " has no command '" + self.prefix + "'");
+  if (!args.empty())
+    throw py::type_error(self.path() + "() takes keyword arguments only");
+
+  GApp::CommandParameters parameters;
+  for (auto item : kwargs)
+    parameters.set(QString::fromStdString(item.first.cast<std::string>()), toVariant(item.second));
+
+  try {
+    return fromVariant(command->run(parameters, self.interactive));
+  } catch (const GApp::CommandError& error) {
+    raise("CommandError", py::make_tuple(error.getCode().toStdString(), error.getMessage().toStdString(),
+                                         error.getLog().getText().toStdString()));
+  } catch (const ScriptTypeException& error) {
+    raise("ScriptTypeError", py::make_tuple(error.getMessage().toStdString()));
+  } catch (const ProgError& error) {
+    throw std::runtime_error(std::string("internal error: ") + error.what());
+  }
+}
+
+py::list names(const CommandNamespace& self)
+{
+  // The next level of names below this one, for dir() and completion.
+  const GApp::CommandContainer& container = GApp::CommandContainer::getInstance();
+  const QString below = self.prefix.empty() ? QString() : QString::fromStdString(self.prefix) + QLatin1Char('.');
+  QStringList result;
+  for (auto it = container.lowerBound(below); it != container.end() && it->first.startsWith(below); ++it) {
+    const QString next = it->first.mid(below.size()).section(QLatin1Char('.'), 0, 0);
+    if (result.isEmpty() || result.last() != next)
+      result << next;
+  }
+  py::list list;
+  for (const QString& name : result)
+    list.append(name.toStdString());
+  return list;
+}
+
+const char* const EXCEPTIONS = R"(
+class CommandError(Exception):
+    """A command failed: its error code, the code's message and the command's log."""
+
+    def __init__(self, code, message, log):
+        super().__init__(code, message, log)
+        self.code = code
+        self.message = message
+        self.log = log
+
+    def __str__(self):
+        text = self.code + ": " + self.message if self.message else self.code
+        return text + "\n" + self.log if self.log else text
+
+
+class ScriptTypeError(Exception):
+    """An object refused an attribute assignment."""
+)";
+
+}  // namespace
+}  // namespace Vel::GScript
+
+PYBIND11_EMBEDDED_MODULE(zut, m)
+{
+  using Vel::GScript::CommandNamespace;
+  m.doc() = "The application's commands and types.";
+  py::exec(Vel::GScript::EXCEPTIONS, m.attr("__dict__"));
+  py::class_<CommandNamespace>(m, "CommandNamespace")
+    .def("__getattr__", &Vel::GScript::attribute)
+    .def("__call__", &Vel::GScript::call)
+    .def("__dir__", &Vel::GScript::names)
+    .def("__repr__", [](const CommandNamespace& self) { return "<" + self.path() + ">"; });
+  m.attr("script") = CommandNamespace{std::string(), false};
+  m.attr("interactive") = CommandNamespace{std::string(), true};
+}

@@ -1,0 +1,68 @@
+#include "gtools/error_dialog.h"
+
+#include <QApplication>
+#include <QGuiApplication>
+#include <QMessageBox>
+#include <cstdio>
+
+#include "core/error_message_container.h"
+
+namespace Vel::GTools {
+namespace {
+
+ErrorDialogHandler& errorHandler()
+{
+  static ErrorDialogHandler handler;
+  return handler;
+}
+
+QuestionHandler& questionHandler()
+{
+  static QuestionHandler handler;
+  return handler;
+}
+
+}  // namespace
+
+bool isInteractive()
+{
+  if (!qobject_cast<QApplication*>(QCoreApplication::instance()))
+    return false;
+  const QString platform = QGuiApplication::platformName();
+  return platform != QLatin1String("offscreen") && platform != QLatin1String("minimal");
+}
+
+void ErrorDialog(const QString& code, const QString& text)
+{
+  if (errorHandler()) {
+    errorHandler()(code, text);
+    return;
+  }
+  const QString message = ErrorMessageContainer::getMessage(code);
+  const QString headline = message.isEmpty() ? code : QStringLiteral("%1: %2").arg(code, message);
+  if (isInteractive()) {
+    QMessageBox box(QMessageBox::Critical, QStringLiteral("Error"), headline, QMessageBox::Ok);
+    box.setDetailedText(text);
+    box.setInformativeText(text.section(QLatin1Char('\n'), 0, 0));
+    box.exec();
+    return;
+  }
+  std::fprintf(stderr, "%s\n", headline.toLocal8Bit().constData());
+  if (!text.isEmpty())
+    std::fprintf(stderr, "%s\n", text.toLocal8Bit().constData());
+}
+
+bool askYesNo(const QString& title, const QString& question, bool fallback)
+{
+  if (questionHandler())
+    return questionHandler()(title, question);
+  if (!isInteractive())
+    return fallback;
+  return QMessageBox::question(nullptr, title, question, QMessageBox::Yes | QMessageBox::No) == QMessageBox::Yes;
+}
+
+void setErrorDialogHandler(ErrorDialogHandler handler) { errorHandler() = std::move(handler); }
+
+void setQuestionHandler(QuestionHandler handler) { questionHandler() = std::move(handler); }
+
+}  // namespace Vel::GTools
