@@ -3,6 +3,7 @@
 #include <QJsonArray>
 #include <QJsonDocument>
 #include <QJsonObject>
+
 #include <cstdio>
 
 #include "cfg/cfg.h"
@@ -81,8 +82,8 @@ int runCommand(const QString& name, const Vel::GApp::CommandParameters& paramete
     if (json) {
       printJson(QJsonObject{{QStringLiteral("command"), name}, {QStringLiteral("result"), toJson(result)}});
     } else if (print_result && result.isValid()) {
-      QString text = result.typeId() == QMetaType::QString ? result.toString()
-                                                             : Vel::GScript::PythonInterpreter::repr(result);
+      QString text =
+          result.typeId() == QMetaType::QString ? result.toString() : Vel::GScript::PythonInterpreter::repr(result);
       if (!text.endsWith(QLatin1Char('\n')))
         text += QLatin1Char('\n');
       printOut(text);
@@ -165,10 +166,10 @@ int listCommands(ZutHost&, const QStringList& arguments, bool json)
     for (const auto& entry : container) {
       QJsonArray arguments_json;
       for (const auto& argument : entry.second->getMetaInfo().getArgumentTypes())
-        arguments_json.append(QJsonObject{
-          {QStringLiteral("name"), argument.name},
-          {QStringLiteral("type"), Vel::GApp::CommandMetaInfo::typeCodeName(argument.type)},
-          {QStringLiteral("description"), argument.description}});
+        arguments_json.append(
+            QJsonObject{{QStringLiteral("name"), argument.name},
+                        {QStringLiteral("type"), Vel::GApp::CommandMetaInfo::typeCodeName(argument.type)},
+                        {QStringLiteral("description"), argument.description}});
       list.append(QJsonObject{{QStringLiteral("name"), entry.first},
                               {QStringLiteral("title"), entry.second->getTitle()},
                               {QStringLiteral("kind"), entry.second->getCommandType()},
@@ -183,7 +184,7 @@ int listCommands(ZutHost&, const QStringList& arguments, bool json)
   QString text;
   for (const auto& entry : container)
     text += QStringLiteral("%1  %2  [%3]\n")
-              .arg(entry.first.leftJustified(width), entry.second->getTitle(), entry.second->getCommandType());
+                .arg(entry.first.leftJustified(width), entry.second->getTitle(), entry.second->getCommandType());
   printOut(text);
   return EXIT_OK;
 }
@@ -242,27 +243,33 @@ int config(ZutHost& host, const QStringList& arguments, bool json)
 }
 
 const SubCommand SUB_COMMANDS[] = {
-  {"run", "FILE.py [-p NAME=VALUE]...",
-   "Runs a Python script file through the command sys.execute_script. Each -p passes a parameter,\n"
-   "visible to the script in the dictionary PARAMETERS; VALUE is read as a Python literal, or\n"
-   "taken as text when it is none.",
-   true, runScript},
-  {"exec", "CODE", "Runs Python text through the command sys.execute_python_code.", true, execCode},
-  {"call", "COMMAND [ARG=VALUE]... [--json]",
-   "Runs any registered command and prints its result. VALUE is read as a Python literal\n"
-   "(3, True, [1, 2], {'a': 1}), or taken as text when it is none.",
-   true, callCommand},
-  {"commands", "[--json]", "Lists the registered commands: name, title and kind.", true, listCommands},
-  {"config", "[KEY [VALUE]] [--json]",
-   "Lists the configuration items, prints one, or sets one. A value is checked against the\n"
-   "item's type and range and saved at once.",
-   true, config},
+    {"run", "FILE.py [-p NAME=VALUE]...",
+     "Runs a Python script file through the command sys.execute_script. Each -p passes a parameter,\n"
+     "visible to the script in the dictionary PARAMETERS; VALUE is read as a Python literal, or\n"
+     "taken as text when it is none.",
+     true, runScript},
+    {"exec", "CODE", "Runs Python text through the command sys.execute_python_code.", true, execCode},
+    {"call", "COMMAND [ARG=VALUE]... [--json]",
+     "Runs any registered command and prints its result. VALUE is read as a Python literal\n"
+     "(3, True, [1, 2], {'a': 1}), or taken as text when it is none.",
+     true, callCommand},
+    {"commands", "[--json]", "Lists the registered commands: name, title and kind.", true, listCommands},
+    {"config", "[KEY [VALUE]] [--json]",
+     "Lists the configuration items, prints one, or sets one. A value is checked against the\n"
+     "item's type and range and saved at once.",
+     true, config},
 };
 
 }  // namespace
 
-void printOut(const QString& text) { print(stdout, text); }
-void printErr(const QString& text) { print(stderr, text); }
+void printOut(const QString& text)
+{
+  print(stdout, text);
+}
+void printErr(const QString& text)
+{
+  print(stderr, text);
+}
 
 const SubCommand* subCommands(int& count)
 {

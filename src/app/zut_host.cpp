@@ -9,13 +9,19 @@
 
 namespace {
 
-void warn(const QString& text) { std::fprintf(stderr, "zut: %s\n", text.toLocal8Bit().constData()); }
+void warn(const QString& text)
+{
+  std::fprintf(stderr, "zut: %s\n", text.toLocal8Bit().constData());
+}
 
 }  // namespace
 
 ZutHost::ZutHost() : _cfg(std::make_unique<Vel::Cfg>(Vel::Cfg::defaultFileName())) {}
 
-ZutHost::~ZutHost() { stop(); }
+ZutHost::~ZutHost()
+{
+  stop();
+}
 
 bool ZutHost::start()
 {
@@ -23,7 +29,8 @@ bool ZutHost::start()
   for (const QString& problem : _cfg->takeProblems())
     warn(QStringLiteral("warning: ") + problem);
 
-  _module = std::make_unique<Vel::GApp::ModuleLoader>(Vel::GApp::ModuleLoader::modulePath(QStringLiteral("MSysScript")));
+  _module =
+      std::make_unique<Vel::GApp::ModuleLoader>(Vel::GApp::ModuleLoader::modulePath(QStringLiteral("MSysScript")));
   QString error;
   if (!_module->load(&error)) {
     warn(QStringLiteral("cannot load the scripting module: ") + error);

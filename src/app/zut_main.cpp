@@ -2,6 +2,8 @@
 
 #include <QApplication>
 
+
+#include "gtools/error_dialog.h"
 #include "zut_commands.h"
 #include "zut_host.h"
 
@@ -10,37 +12,34 @@ namespace {
 QString overview()
 {
   QString text = QStringLiteral(
-    "Usage: zut SUB-COMMAND [ARGUMENTS]\n"
-    "\n"
-    "Automates the application with Python through the scripting module.\n"
-    "\n"
-    "Sub-commands:\n");
+      "Usage: zut SUB-COMMAND [ARGUMENTS]\n"
+      "\n"
+      "Automates the application with Python through the scripting module.\n"
+      "\n"
+      "Sub-commands:\n");
   int count = 0;
   const SubCommand* list = subCommands(count);
   for (int i = 0; i < count; ++i)
-    text += QStringLiteral("  %1 %2\n").arg(QString::fromLatin1(list[i].name).leftJustified(9),
-                                              QString::fromLatin1(list[i].synopsis));
+    text += QStringLiteral("  %1 %2\n")
+                .arg(QString::fromLatin1(list[i].name).leftJustified(9), QString::fromLatin1(list[i].synopsis));
   text += QStringLiteral(
-    "\n'zut SUB-COMMAND --help' describes one. Exit status: 0 success, 1 a command failed,\n"
-    "2 wrong usage.\n");
+      "\n'zut SUB-COMMAND --help' describes one. Exit status: 0 success, 1 a command failed,\n"
+      "2 wrong usage.\n");
   return text;
 }
 
 QString help(const SubCommand& sub_command)
 {
   return QStringLiteral("Usage: zut %1 %2\n\n%3\n")
-    .arg(QString::fromLatin1(sub_command.name), QString::fromLatin1(sub_command.synopsis),
-         QString::fromLatin1(sub_command.help));
+      .arg(QString::fromLatin1(sub_command.name), QString::fromLatin1(sub_command.synopsis),
+           QString::fromLatin1(sub_command.help));
 }
 
 }  // namespace
 
 int main(int argc, char* argv[])
 {
-  // Without a display every sub-command that needs no person still works.
-  if (qEnvironmentVariableIsEmpty("DISPLAY") && qEnvironmentVariableIsEmpty("WAYLAND_DISPLAY") &&
-      qEnvironmentVariableIsEmpty("QT_QPA_PLATFORM"))
-    qputenv("QT_QPA_PLATFORM", "offscreen");
+  Vel::GTools::prepareGuiEnvironment();
 
   QStringList arguments;
   for (int i = 1; i < argc; ++i)

@@ -30,9 +30,10 @@ QVariant getArgumentValue(const GApp::CommandParameters& parameters, const QStri
   const Trait value = parameters.get(name);
   QVariant converted;
   if (!value.convertTo(StageIdentifier::NO_STAGE, type_id, converted))
-    throw GApp::CommandError(QStringLiteral("command argument '%1' of type '%2' cannot be converted to required type '%3'")
-                               .arg(name, GApp::CommandParameters::generateReadableTypeName(value.getTypeId()),
-                                    GApp::CommandParameters::generateReadableTypeName(type_id)));
+    throw GApp::CommandError(
+        QStringLiteral("command argument '%1' of type '%2' cannot be converted to required type '%3'")
+            .arg(name, GApp::CommandParameters::generateReadableTypeName(value.getTypeId()),
+                 GApp::CommandParameters::generateReadableTypeName(type_id)));
   return converted;
 }
 

@@ -3,6 +3,7 @@
 #include <QCoreApplication>
 #include <QDeadlineTimer>
 #include <QThread>
+
 #include <cmath>
 
 namespace Vel::MSysScript {
@@ -12,8 +13,7 @@ using Meta = GApp::CommandMetaInfo;
 DelayCommand::DelayCommand()
     : MSysCommand(QStringLiteral("sys.delay_script"), {"MSysScript_cmd", "Delay script execution", "id=9984"},
                   {{QStringLiteral("time"), Meta::TYPE_DOUBLE, QStringLiteral("time to wait in seconds")}})
-{
-}
+{}
 
 void DelayCommand::execute(const GApp::CommandParameters& parameters)
 {

@@ -23,7 +23,10 @@ const QString ARG_PARAMETERS = QStringLiteral("parameters");
 const QString ARG_COLLECT_STDOUT = QStringLiteral("collect_stdout");
 const QString ARG_COLLECT_STDERR = QStringLiteral("collect_stderr");
 
-Meta::Argument parametersArgument() { return {ARG_PARAMETERS, Meta::TYPE_PARAMETER_MAP, QStringLiteral("parameters")}; }
+Meta::Argument parametersArgument()
+{
+  return {ARG_PARAMETERS, Meta::TYPE_PARAMETER_MAP, QStringLiteral("parameters")};
+}
 Meta::Argument stdoutArgument()
 {
   return {ARG_COLLECT_STDOUT, Meta::TYPE_BOOLEAN, QStringLiteral("collect and return stdout output")};
@@ -79,11 +82,12 @@ bool applyRunArguments(const GApp::CommandParameters& parameters, GScript::Execu
 
 ExecuteScriptCommand::ExecuteScriptCommand()
     : MSysCommand(QStringLiteral("sys.execute_script"), {"MSysScript_cmd", "Execute Script", "id=25938"},
-                  {{ARG_FILE, Meta::TYPE_FILE, QStringLiteral("file name")}, parametersArgument(), stdoutArgument(),
+                  {{ARG_FILE, Meta::TYPE_FILE, QStringLiteral("file name")},
+                   parametersArgument(),
+                   stdoutArgument(),
                    stderrArgument()},
                   {"MSysScript_menu", "Execute Script", "id=9986"})
-{
-}
+{}
 
 bool ExecuteScriptCommand::readScriptFile(const QString& path, QString& text, ErrorLog& log)
 {
@@ -93,7 +97,8 @@ bool ExecuteScriptCommand::readScriptFile(const QString& path, QString& text, Er
     return false;
   }
   if (!file.isReadable() || file.bytesAvailable() <= 0) {
-    log.addLine(translate("MSysScript_err", "Unable to access file: %1", "id=9989").arg(QDir::toNativeSeparators(path)));
+    log.addLine(
+        translate("MSysScript_err", "Unable to access file: %1", "id=9989").arg(QDir::toNativeSeparators(path)));
     return false;
   }
   QTextStream stream(&file);
@@ -120,8 +125,8 @@ bool ExecuteScriptCommand::prepareInteractive(GApp::CommandParameters& parameter
 {
   if (parameters.contains(ARG_FILE) || !GTools::isInteractive())
     return true;
-  const QString file = QFileDialog::getOpenFileName(nullptr, getTitle(), QString(),
-                                                    translate("MSysScript_Execute_filedir", "Scripts (*.py)", "id=9988"));
+  const QString file = QFileDialog::getOpenFileName(
+      nullptr, getTitle(), QString(), translate("MSysScript_Execute_filedir", "Scripts (*.py)", "id=9988"));
   if (file.isEmpty())
     return false;
   parameters.set(ARG_FILE, QVariant::fromValue(Parse::File(file)));
@@ -132,10 +137,11 @@ bool ExecuteScriptCommand::prepareInteractive(GApp::CommandParameters& parameter
 
 ExecutePythonCodeCommand::ExecutePythonCodeCommand()
     : MSysCommand(QStringLiteral("sys.execute_python_code"), {"MSysScript_cmd", "execute python code", nullptr},
-                  {{ARG_CODE, Meta::TYPE_STRING, QStringLiteral("code")}, parametersArgument(), stdoutArgument(),
+                  {{ARG_CODE, Meta::TYPE_STRING, QStringLiteral("code")},
+                   parametersArgument(),
+                   stdoutArgument(),
                    stderrArgument()})
-{
-}
+{}
 
 void ExecutePythonCodeCommand::execute(const GApp::CommandParameters& parameters)
 {

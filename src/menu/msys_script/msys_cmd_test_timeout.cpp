@@ -8,10 +8,10 @@ double test_timeout = 0.0;
 }
 
 SetTestTimeoutCommand::SetTestTimeoutCommand()
-    : MSysCommand(QStringLiteral("sys.set_test_timeout"), {"MSysScript_cmd", "set timeout for script tests", nullptr},
-                  {{QStringLiteral("timeout"), GApp::CommandMetaInfo::TYPE_DOUBLE, QStringLiteral("timeout in seconds")}})
-{
-}
+    : MSysCommand(
+          QStringLiteral("sys.set_test_timeout"), {"MSysScript_cmd", "set timeout for script tests", nullptr},
+          {{QStringLiteral("timeout"), GApp::CommandMetaInfo::TYPE_DOUBLE, QStringLiteral("timeout in seconds")}})
+{}
 
 void SetTestTimeoutCommand::execute(const GApp::CommandParameters& parameters)
 {
@@ -21,6 +21,9 @@ void SetTestTimeoutCommand::execute(const GApp::CommandParameters& parameters)
   test_timeout = timeout;
 }
 
-double SetTestTimeoutCommand::getTimeout() { return test_timeout; }
+double SetTestTimeoutCommand::getTimeout()
+{
+  return test_timeout;
+}
 
 }  // namespace Vel::MSysScript

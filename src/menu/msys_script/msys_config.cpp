@@ -18,9 +18,10 @@ void declareConfiguration(CfgNode* root)
   root->declareUInt(CFG_TAB_WIDTH, QString(), 1, 32, 4, 1, f);
   root->declareBool(CFG_SHOW_TABS, QString(), false, f);
   root->declareNode(CFG_EDITOR_DIALOG, QStringLiteral("node: editor dialog"), f);
-  root->declareIntArray(CFG_EDITOR_DIALOG_SIZE, QStringLiteral("node: current editor size"), 0, INT_MAX, {500, 0}, 1, f);
-  root->declareDouble(CFG_EDITOR_DIALOG_SPLITTER, QStringLiteral("editor dialog: current splitter position"), 0, 1, 0.75,
-                      0.1, 2, f);
+  root->declareIntArray(CFG_EDITOR_DIALOG_SIZE, QStringLiteral("node: current editor size"), 0, INT_MAX, {500, 0}, 1,
+                        f);
+  root->declareDouble(CFG_EDITOR_DIALOG_SPLITTER, QStringLiteral("editor dialog: current splitter position"), 0, 1,
+                      0.75, 0.1, 2, f);
   root->declareNode(CFG_SOURCE_EDITOR, QStringLiteral("Source Editor"), f);
   root->declareBool(CFG_HIDE_WHEN_RECORDING, QStringLiteral("hide editor when recording"), true, f);
   root->declareDouble(CFG_SOURCE_EDITOR_SPLITTER, QStringLiteral("editor: current splitter position"), 0, 1, 0.75, 0.1,
@@ -47,10 +48,10 @@ void declareConfiguration(CfgNode* root)
 
   // Doubles with two decimals although the widget edits integers: kept like the number widget's.
   root->declareNode(CFG_INTEGER_WIDGET, QStringLiteral("Integer widget"), f);
-  root->declareDouble(CFG_INTEGER_WIDGET_DEFAULT, QStringLiteral("Integer widget: Default"), -MAX_DOUBLE, MAX_DOUBLE,
-                      0, 0.1, 2, f);
-  root->declareDouble(CFG_INTEGER_WIDGET_MINIMUM, QStringLiteral("Integer widget: Minimum"), -MAX_DOUBLE, MAX_DOUBLE,
-                      0, 0.1, 2, f);
+  root->declareDouble(CFG_INTEGER_WIDGET_DEFAULT, QStringLiteral("Integer widget: Default"), -MAX_DOUBLE, MAX_DOUBLE, 0,
+                      0.1, 2, f);
+  root->declareDouble(CFG_INTEGER_WIDGET_MINIMUM, QStringLiteral("Integer widget: Minimum"), -MAX_DOUBLE, MAX_DOUBLE, 0,
+                      0.1, 2, f);
   root->declareDouble(CFG_INTEGER_WIDGET_MAXIMUM, QStringLiteral("Integer widget: Maximum"), -MAX_DOUBLE, MAX_DOUBLE,
                       1000, 0.1, 2, f);
 
@@ -59,8 +60,8 @@ void declareConfiguration(CfgNode* root)
                       0.1, 2, f);
   root->declareDouble(CFG_SLIDER_WIDGET_MINIMUM, QStringLiteral("Slider widget: Minimum"), -MAX_DOUBLE, MAX_DOUBLE, 0,
                       0.1, 2, f);
-  root->declareDouble(CFG_SLIDER_WIDGET_MAXIMUM, QStringLiteral("Slider widget: Maximum"), -MAX_DOUBLE, MAX_DOUBLE,
-                      100, 0.1, 2, f);
+  root->declareDouble(CFG_SLIDER_WIDGET_MAXIMUM, QStringLiteral("Slider widget: Maximum"), -MAX_DOUBLE, MAX_DOUBLE, 100,
+                      0.1, 2, f);
   root->declareInt(CFG_SLIDER_WIDGET_PRECISION, QStringLiteral("Slider widget: Precision"), 0, 100, 2, 1, f);
   root->declareDouble(CFG_SLIDER_WIDGET_STEP, QStringLiteral("Slider widget: Step"), -MAX_DOUBLE, MAX_DOUBLE, 1, 1, 2,
                       f);
@@ -78,11 +79,12 @@ void declareTemplateConfiguration(CfgNode* root)
                       {QStringLiteral("Execute"), QStringLiteral("Create/Show"), QStringLiteral("Open/Close")}, 0, f);
 
   root->declareNode(CFG_UPDATE_SCRIPT_DIALOG, QStringLiteral("Update script dialog"), f);
-  root->declareInt(CFG_UPDATE_SCRIPT_DIALOG_WIDTH, QStringLiteral("Update script dialog: Width"), -1, INT_MAX, 640, 1, f);
+  root->declareInt(CFG_UPDATE_SCRIPT_DIALOG_WIDTH, QStringLiteral("Update script dialog: Width"), -1, INT_MAX, 640, 1,
+                   f);
   root->declareInt(CFG_UPDATE_SCRIPT_DIALOG_HEIGHT, QStringLiteral("Update script dialog: Height"), -1, INT_MAX, 480, 1,
                    f);
-  root->declareDouble(CFG_UPDATE_SCRIPT_DIALOG_SPLITTER, QStringLiteral("Update script dialog: Splitter position"), 0, 1,
-                      0.5, 0.1, 1, f);
+  root->declareDouble(CFG_UPDATE_SCRIPT_DIALOG_SPLITTER, QStringLiteral("Update script dialog: Splitter position"), 0,
+                      1, 0.5, 0.1, 1, f);
   root->declareBool(CFG_UPDATE_SCRIPT_DIALOG_BACKUP, QStringLiteral("Update script dialog: Backup original script"),
                     true, f);
 

@@ -20,8 +20,8 @@ bool ExitNotifier::confirmExit(bool silent)
   if (silent || !VelInit::isKioskMode())
     return true;
   const bool answer = GTools::askYesNo(
-    translate("MSysScript_ExitNotifier_dlg", "Exit", "id=38261#title,kiosk"),
-    translate("MSysScript_ExitNotifier_dlg", "Do you want to exit the application?", "id=38262#kiosk"), true);
+      translate("MSysScript_ExitNotifier_dlg", "Exit", "id=38261#title,kiosk"),
+      translate("MSysScript_ExitNotifier_dlg", "Do you want to exit the application?", "id=38262#kiosk"), true);
   // The Escape that may have led here must not abort the next script.
   GScript::GUIHandler::getInstance()->resetEscape();
   return answer;
@@ -37,7 +37,7 @@ bool ExitNotifier::canExit()
 void ExitNotifier::prepareExit()
 {
   auto* editor = dynamic_cast<EditorCommand*>(
-    GApp::CommandContainer::getInstance().getCommand(QStringLiteral("sys.show_script_editor")));
+      GApp::CommandContainer::getInstance().getCommand(QStringLiteral("sys.show_script_editor")));
   if (!editor || !editor->hasDialog())
     return;
 }

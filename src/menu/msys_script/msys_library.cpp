@@ -34,8 +34,8 @@ void guarded(const char* function, Function body)
   } catch (const ProgError& error) {
     reportProgError(error);
   } catch (const std::exception& error) {
-    reportProgError(ProgError(QString::fromLatin1(function), QStringLiteral("msys_library"),
-                              QString::fromUtf8(error.what())));
+    reportProgError(
+        ProgError(QString::fromLatin1(function), QStringLiteral("msys_library"), QString::fromUtf8(error.what())));
   }
 }
 

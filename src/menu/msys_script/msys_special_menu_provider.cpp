@@ -14,8 +14,8 @@ const QString SOURCE = QStringLiteral("msys_special_menu_provider");
 
 // Empty names stand for separators.
 const char* const MENU_COMMANDS[] = {
-  "sys.show_script_editor", "sys.execute_script", "", "sys.import_script", "sys.export_script", "",
-  "sys.import_script_archive", "sys.export_script_archive",
+    "sys.show_script_editor",    "sys.execute_script",        "", "sys.import_script", "sys.export_script", "",
+    "sys.import_script_archive", "sys.export_script_archive",
 };
 
 }  // namespace
@@ -37,9 +37,15 @@ void ScriptSpecialMenuProvider::deinitialize()
   instance = nullptr;
 }
 
-ScriptSpecialMenuProvider* ScriptSpecialMenuProvider::getInstance() { return instance; }
+ScriptSpecialMenuProvider* ScriptSpecialMenuProvider::getInstance()
+{
+  return instance;
+}
 
-QString ScriptSpecialMenuProvider::getMenuId() const { return QString::fromLatin1(MENU_ID); }
+QString ScriptSpecialMenuProvider::getMenuId() const
+{
+  return QString::fromLatin1(MENU_ID);
+}
 
 void ScriptSpecialMenuProvider::fillMenu(QMenu* menu) const
 {

@@ -8,6 +8,7 @@
 #include <QJsonDocument>
 #include <QSaveFile>
 #include <QStandardPaths>
+
 #include <cmath>
 #include <functional>
 
@@ -31,9 +32,7 @@ bool isIntegral(const QVariant& value, qlonglong& out)
     case QMetaType::Int:
     case QMetaType::UInt:
     case QMetaType::LongLong:
-    case QMetaType::ULongLong:
-      out = value.toLongLong();
-      return true;
+    case QMetaType::ULongLong: out = value.toLongLong(); return true;
     case QMetaType::Double: {
       const double d = value.toDouble();
       if (!std::isfinite(d) || d != std::floor(d) || std::fabs(d) > 9.0e15)
@@ -41,8 +40,7 @@ bool isIntegral(const QVariant& value, qlonglong& out)
       out = static_cast<qlonglong>(d);
       return true;
     }
-    default:
-      return false;
+    default: return false;
   }
 }
 
@@ -53,15 +51,15 @@ bool isNumber(const QVariant& value, double& out)
     case QMetaType::UInt:
     case QMetaType::LongLong:
     case QMetaType::ULongLong:
-    case QMetaType::Double:
-      out = value.toDouble();
-      return std::isfinite(out);
-    default:
-      return false;
+    case QMetaType::Double: out = value.toDouble(); return std::isfinite(out);
+    default: return false;
   }
 }
 
-QString number(double value) { return QString::number(value, 'g', 17); }
+QString number(double value)
+{
+  return QString::number(value, 'g', 17);
+}
 
 }  // namespace
 
@@ -84,7 +82,10 @@ QString CfgItem::typeName(CfgType type)
 
 // ---------------------------------------------------------------------------------------------
 
-QString CfgNode::fullKey(const QString& key) const { return _path.isEmpty() ? key : _path + QLatin1Char('/') + key; }
+QString CfgNode::fullKey(const QString& key) const
+{
+  return _path.isEmpty() ? key : _path + QLatin1Char('/') + key;
+}
 
 void CfgNode::declare(CfgItem item)
 {
@@ -130,8 +131,7 @@ void CfgNode::declareUInt(const QString& key, const QString& description, unsign
   declare(item);
 }
 
-void CfgNode::declareInt(const QString& key, const QString& description, int min, int max, int def, int step,
-                         int flags)
+void CfgNode::declareInt(const QString& key, const QString& description, int min, int max, int def, int step, int flags)
 {
   CfgItem item;
   item.key = key;
@@ -161,8 +161,8 @@ void CfgNode::declareDouble(const QString& key, const QString& description, doub
   declare(item);
 }
 
-void CfgNode::declareIntArray(const QString& key, const QString& description, int min, int max,
-                              const QList<int>& def, int step, int flags)
+void CfgNode::declareIntArray(const QString& key, const QString& description, int min, int max, const QList<int>& def,
+                              int step, int flags)
 {
   CfgItem item;
   item.key = key;
@@ -222,7 +222,8 @@ void CfgNode::declareChoice(const QString& key, const QString& description, cons
                             int flags)
 {
   if (def_index < 0 || def_index >= choices.size())
-    throw ProgError(QStringLiteral("declareChoice"), SOURCE, QStringLiteral("Default choice out of range: %1").arg(key));
+    throw ProgError(QStringLiteral("declareChoice"), SOURCE,
+                    QStringLiteral("Default choice out of range: %1").arg(key));
   CfgItem item;
   item.key = key;
   item.type = CfgType::Choice;
@@ -244,7 +245,10 @@ void CfgNode::declareStringVector(const QString& key, const QString& description
   declare(item);
 }
 
-bool CfgNode::contains(const QString& key) const { return _cfg->item(fullKey(key)) != nullptr; }
+bool CfgNode::contains(const QString& key) const
+{
+  return _cfg->item(fullKey(key)) != nullptr;
+}
 
 QVariant CfgNode::getValue(const QString& key) const
 {
@@ -403,9 +407,7 @@ bool Cfg::validate(const CfgItem& item, const QVariant& value, QVariant& out, QS
   };
 
   switch (item.type) {
-    case CfgType::Node:
-      error = QStringLiteral("a node has no value");
-      return false;
+    case CfgType::Node: error = QStringLiteral("a node has no value"); return false;
     case CfgType::Bool:
       if (value.typeId() != QMetaType::Bool) {
         error = QStringLiteral("'%1' is not a boolean").arg(value.toString());
@@ -414,15 +416,11 @@ bool Cfg::validate(const CfgItem& item, const QVariant& value, QVariant& out, QS
       out = value.toBool();
       return true;
     case CfgType::UInt:
-    case CfgType::Int:
-      return checkInteger(value, out);
+    case CfgType::Int: return checkInteger(value, out);
     case CfgType::Double:
-    case CfgType::UnitValue:
-      return checkDouble(value, out);
-    case CfgType::IntArray:
-      return checkList(value, checkInteger);
-    case CfgType::DoubleArray:
-      return checkList(value, checkDouble);
+    case CfgType::UnitValue: return checkDouble(value, out);
+    case CfgType::IntArray: return checkList(value, checkInteger);
+    case CfgType::DoubleArray: return checkList(value, checkDouble);
     case CfgType::Choice: {
       qlonglong index = -1;
       if (value.typeId() == QMetaType::QString)
@@ -431,7 +429,7 @@ bool Cfg::validate(const CfgItem& item, const QVariant& value, QVariant& out, QS
         index = -1;
       if (index < 0 || index >= item.choices.size()) {
         error = QStringLiteral("'%1' is none of the choices %2")
-                  .arg(value.toString(), item.choices.join(QStringLiteral(", ")));
+                    .arg(value.toString(), item.choices.join(QStringLiteral(", ")));
         return false;
       }
       out = int(index);
@@ -535,8 +533,7 @@ bool Cfg::setValueFromText(const QString& key, const QString& text, QString* err
         value = index;
       break;
     }
-    case CfgType::Node:
-      break;
+    case CfgType::Node: break;
   }
   return setValue(key, value, error);
 }
@@ -595,26 +592,28 @@ bool Cfg::load()
   if (!file.exists())
     return true;
   if (!file.open(QIODevice::ReadOnly)) {
-    _problems << QStringLiteral("%1: %2; the defaults are used").arg(QDir::toNativeSeparators(_file_name), file.errorString());
+    _problems << QStringLiteral("%1: %2; the defaults are used")
+                     .arg(QDir::toNativeSeparators(_file_name), file.errorString());
     return false;
   }
   QJsonParseError parse_error;
   const QJsonDocument doc = QJsonDocument::fromJson(file.readAll(), &parse_error);
   file.close();
   if (parse_error.error != QJsonParseError::NoError || !doc.isObject()) {
-    const QString reason = parse_error.error != QJsonParseError::NoError
-                             ? QStringLiteral("%1 at offset %2").arg(parse_error.errorString()).arg(parse_error.offset)
-                             : QStringLiteral("not a JSON object");
+    const QString reason =
+        parse_error.error != QJsonParseError::NoError
+            ? QStringLiteral("%1 at offset %2").arg(parse_error.errorString()).arg(parse_error.offset)
+            : QStringLiteral("not a JSON object");
     QString backup = _file_name + QStringLiteral(".damaged");
     if (QFile::exists(backup))
       backup += QDateTime::currentDateTime().toString(QStringLiteral("-yyyyMMdd-hhmmss-zzz"));
     if (QFile::rename(_file_name, backup))
       _problems << QStringLiteral("%1 is damaged (%2); it was kept as %3 and the defaults are used")
-                     .arg(QDir::toNativeSeparators(_file_name), reason, QDir::toNativeSeparators(backup));
+                       .arg(QDir::toNativeSeparators(_file_name), reason, QDir::toNativeSeparators(backup));
     else {
       // It could not be moved aside: never write over it.
       _problems << QStringLiteral("%1 is damaged (%2) and could not be kept aside; it will not be written")
-                     .arg(QDir::toNativeSeparators(_file_name), reason);
+                       .arg(QDir::toNativeSeparators(_file_name), reason);
       _backup_before_save = true;
     }
     return false;

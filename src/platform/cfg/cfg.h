@@ -6,6 +6,7 @@
 #include <QString>
 #include <QStringList>
 #include <QVariant>
+
 #include <map>
 #include <memory>
 #include <vector>
@@ -65,12 +66,12 @@ public:
   void declareUInt(const QString& key, const QString& description, unsigned min, unsigned max, unsigned def,
                    unsigned step, int flags);
   void declareInt(const QString& key, const QString& description, int min, int max, int def, int step, int flags);
-  void declareDouble(const QString& key, const QString& description, double min, double max, double def,
-                     double step, int decimals, int flags);
+  void declareDouble(const QString& key, const QString& description, double min, double max, double def, double step,
+                     int decimals, int flags);
   void declareIntArray(const QString& key, const QString& description, int min, int max, const QList<int>& def,
                        int step, int flags);
-  void declareDoubleArray(const QString& key, const QString& description, double min, double max,
-                          double def_element, double step, int decimals, int count, bool fixed_size, int flags);
+  void declareDoubleArray(const QString& key, const QString& description, double min, double max, double def_element,
+                          double step, int decimals, int count, bool fixed_size, int flags);
   void declareUnitValue(const QString& key, const QString& description, UnitKind unit, double min, double max,
                         double def, double step, int decimals, int flags);
   void declareChoice(const QString& key, const QString& description, const QStringList& choices, int def_index,

@@ -5,10 +5,10 @@ namespace Vel {
 QString Color::toString() const
 {
   return QStringLiteral("#%1%2%3%4")
-    .arg(_r, 2, 16, QLatin1Char('0'))
-    .arg(_g, 2, 16, QLatin1Char('0'))
-    .arg(_b, 2, 16, QLatin1Char('0'))
-    .arg(_a, 2, 16, QLatin1Char('0'));
+      .arg(_r, 2, 16, QLatin1Char('0'))
+      .arg(_g, 2, 16, QLatin1Char('0'))
+      .arg(_b, 2, 16, QLatin1Char('0'))
+      .arg(_a, 2, 16, QLatin1Char('0'));
 }
 
 bool Color::fromString(const QString& text, Color& color)
@@ -27,6 +27,9 @@ bool Color::fromString(const QString& text, Color& color)
   return true;
 }
 
-int Color::registerMetaType() { return qRegisterMetaType<Vel::Color>("Vel::Color"); }
+int Color::registerMetaType()
+{
+  return qRegisterMetaType<Vel::Color>("Vel::Color");
+}
 
 }  // namespace Vel

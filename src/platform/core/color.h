@@ -2,6 +2,7 @@
 
 #include <QMetaType>
 #include <QString>
+
 #include <cstdint>
 
 #include "core/vel_export.h"

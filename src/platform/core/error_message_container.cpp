@@ -28,10 +28,19 @@ void ErrorMessageContainer::registerError(const char* code, const QString& messa
   r.messages.insert(key, message);
 }
 
-bool ErrorMessageContainer::hasError(const QString& code) { return registry().messages.contains(code); }
+bool ErrorMessageContainer::hasError(const QString& code)
+{
+  return registry().messages.contains(code);
+}
 
-QString ErrorMessageContainer::getMessage(const QString& code) { return registry().messages.value(code); }
+QString ErrorMessageContainer::getMessage(const QString& code)
+{
+  return registry().messages.value(code);
+}
 
-QStringList ErrorMessageContainer::getCodes() { return registry().order; }
+QStringList ErrorMessageContainer::getCodes()
+{
+  return registry().order;
+}
 
 }  // namespace Vel

@@ -1,6 +1,7 @@
 #include "core/prog_error.h"
 
 #include <QFileInfo>
+
 #include <cstdio>
 
 namespace Vel {
@@ -10,8 +11,7 @@ ProgError::ProgError(const QString& function, const QString& source_file, const 
       _source_file(source_file),
       _message(message),
       _what(QStringLiteral("%1 (%2, %3)").arg(message, function, source_file).toStdString())
-{
-}
+{}
 
 void vel_assert(const char* expression, const char* function, const char* file, int line)
 {
@@ -33,7 +33,10 @@ std::optional<ProgError>& reported()
 }
 }  // namespace
 
-void reportProgError(const ProgError& error) { reported() = error; }
+void reportProgError(const ProgError& error)
+{
+  reported() = error;
+}
 
 bool takeReportedProgError(ProgError& error)
 {

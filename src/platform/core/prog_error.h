@@ -1,6 +1,7 @@
 #pragma once
 
 #include <QString>
+
 #include <exception>
 #include <string>
 
@@ -32,8 +33,7 @@ private:
 
 }  // namespace Vel
 
-#define VEL_ASSERT(expr) \
-  ((expr) ? static_cast<void>(0) : ::Vel::vel_assert(#expr, __func__, __FILE__, __LINE__))
+#define VEL_ASSERT(expr) ((expr) ? static_cast<void>(0) : ::Vel::vel_assert(#expr, __func__, __FILE__, __LINE__))
 
 namespace Vel {
 

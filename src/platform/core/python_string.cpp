@@ -4,8 +4,8 @@ namespace Vel {
 
 QString quotePythonString(const QString& text)
 {
-  const QChar quote = (text.contains(QLatin1Char('\'')) && !text.contains(QLatin1Char('"'))) ? QLatin1Char('"')
-                                                                                               : QLatin1Char('\'');
+  const QChar quote =
+      (text.contains(QLatin1Char('\'')) && !text.contains(QLatin1Char('"'))) ? QLatin1Char('"') : QLatin1Char('\'');
   QString result;
   result.reserve(text.size() + 2);
   result += quote;

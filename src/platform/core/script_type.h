@@ -1,7 +1,8 @@
 #pragma once
 
-#include <QString>
 #include <QList>
+#include <QString>
+
 #include <exception>
 #include <string>
 

@@ -19,7 +19,8 @@ QStringList translationFolders()
   if (!env.isEmpty())
     folders << env.split(QLatin1Char(':'), Qt::SkipEmptyParts);
   if (QCoreApplication::instance())
-    folders << QDir(QCoreApplication::applicationDirPath()).absoluteFilePath(QStringLiteral("../share/zut/translations"));
+    folders
+        << QDir(QCoreApplication::applicationDirPath()).absoluteFilePath(QStringLiteral("../share/zut/translations"));
   return folders;
 }
 

@@ -12,19 +12,19 @@ const double PI = 3.14159265358979323846;
 const std::array<Unit, 13>& units()
 {
   static const std::array<Unit, 13> table = {{
-    {"mm", uLength, "mm", 1.0, 0},
-    {"um", uLength, "\u00b5m", 1e-3, -3},
-    {"cm", uLength, "cm", 10.0, 1},
-    {"m", uLength, "m", 1000.0, 3},
-    {"inch", uLength, "in", 25.4, 1},
-    {"mil", uLength, "mil", 0.0254, -2},
-    {"deg", uAngle, "\u00b0", 1.0, 0},
-    {"rad", uAngle, "rad", 180.0 / PI, 2},
-    {"mrad", uAngle, "mrad", 0.18 / PI, -1},
-    {"s", uTime, "s", 1.0, 0},
-    {"ms", uTime, "ms", 1e-3, -3},
-    {"min", uTime, "min", 60.0, 2},
-    {"h", uTime, "h", 3600.0, 4},
+      {"mm", uLength, "mm", 1.0, 0},
+      {"um", uLength, "\u00b5m", 1e-3, -3},
+      {"cm", uLength, "cm", 10.0, 1},
+      {"m", uLength, "m", 1000.0, 3},
+      {"inch", uLength, "in", 25.4, 1},
+      {"mil", uLength, "mil", 0.0254, -2},
+      {"deg", uAngle, "\u00b0", 1.0, 0},
+      {"rad", uAngle, "rad", 180.0 / PI, 2},
+      {"mrad", uAngle, "mrad", 0.18 / PI, -1},
+      {"s", uTime, "s", 1.0, 0},
+      {"ms", uTime, "ms", 1e-3, -3},
+      {"min", uTime, "min", 60.0, 2},
+      {"h", uTime, "h", 3600.0, 4},
   }};
   return table;
 }
@@ -37,8 +37,7 @@ Unit::Unit(const char* id, UnitKind kind, const char* symbol, double factor, int
       _symbol(QString::fromUtf8(symbol)),
       _factor(factor),
       _digit_difference(digit_difference)
-{
-}
+{}
 
 const Unit* Unit::getUnit(const QString& id)
 {
@@ -48,7 +47,10 @@ const Unit* Unit::getUnit(const QString& id)
   return nullptr;
 }
 
-QString Unit::getID(const Unit& unit) { return unit._id; }
+QString Unit::getID(const Unit& unit)
+{
+  return unit._id;
+}
 
 const Unit& Unit::getDefault(UnitKind kind)
 {

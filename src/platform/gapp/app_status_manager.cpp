@@ -36,7 +36,10 @@ void AppStatusManager::unregisterExitNotifier(ExitNotifier* notifier)
   notifiers.erase(std::remove(notifiers.begin(), notifiers.end(), notifier), notifiers.end());
 }
 
-const std::vector<ExitNotifier*>& AppStatusManager::getExitNotifiers() { return state().notifiers; }
+const std::vector<ExitNotifier*>& AppStatusManager::getExitNotifiers()
+{
+  return state().notifiers;
+}
 
 bool AppStatusManager::requestExit(bool silent)
 {
@@ -49,7 +52,10 @@ bool AppStatusManager::requestExit(bool silent)
   return true;
 }
 
-void AppStatusManager::pushActiveMenuCommand(Command* command) { state().active.push_back(command); }
+void AppStatusManager::pushActiveMenuCommand(Command* command)
+{
+  state().active.push_back(command);
+}
 
 void AppStatusManager::popActiveMenuCommand()
 {
@@ -59,8 +65,14 @@ void AppStatusManager::popActiveMenuCommand()
   state().active.pop_back();
 }
 
-Command* AppStatusManager::getActiveMenuCommand() { return state().active.empty() ? nullptr : state().active.back(); }
+Command* AppStatusManager::getActiveMenuCommand()
+{
+  return state().active.empty() ? nullptr : state().active.back();
+}
 
-size_t AppStatusManager::getActiveMenuCommandDepth() { return state().active.size(); }
+size_t AppStatusManager::getActiveMenuCommandDepth()
+{
+  return state().active.size();
+}
 
 }  // namespace Vel::GApp

@@ -30,10 +30,10 @@ ErrorLog logOf(const QString& message)
 
 CommandError::CommandError(const QString& code, const ErrorLog& log)
     : _code(code), _log(log), _what(getText().toStdString())
-{
-}
+{}
 
-CommandError::CommandError(const QString& message) : CommandError(QString::fromLatin1(ERR_COMMAND_FAILED), logOf(message))
+CommandError::CommandError(const QString& message)
+    : CommandError(QString::fromLatin1(ERR_COMMAND_FAILED), logOf(message))
 {
   registerFrameworkErrors();
 }
@@ -127,11 +127,20 @@ void CommandMetaInfo::setFlags(bool needs_main_window, bool undoable, bool scrip
 
 // ---------------------------------------------------------------------------------------------
 
-Command::Command(const QString& name) : _name(name) { CommandContainer::getInstance().registerCommand(this); }
+Command::Command(const QString& name) : _name(name)
+{
+  CommandContainer::getInstance().registerCommand(this);
+}
 
-Command::~Command() { CommandContainer::getInstance().unregisterCommand(this); }
+Command::~Command()
+{
+  CommandContainer::getInstance().unregisterCommand(this);
+}
 
-bool Command::prepareInteractive(CommandParameters&) { return true; }
+bool Command::prepareInteractive(CommandParameters&)
+{
+  return true;
+}
 
 QVariant Command::run(const CommandParameters& parameters, bool interactive)
 {

@@ -60,7 +60,10 @@ std::vector<Command*> CommandContainer::getCommandsInRegistrationOrder() const
   return result;
 }
 
-void CommandContainer::removeCommand(const QString& name) { delete getCommand(name); }
+void CommandContainer::removeCommand(const QString& name)
+{
+  delete getCommand(name);
+}
 
 void CommandContainer::deleteAll()
 {
@@ -68,6 +71,9 @@ void CommandContainer::deleteAll()
     delete _commands.begin()->second;
 }
 
-void CommandContainer::updateAllActions() { ++_update_count; }
+void CommandContainer::updateAllActions()
+{
+  ++_update_count;
+}
 
 }  // namespace Vel::GApp

@@ -1,6 +1,7 @@
 #include "gapp/main_window.h"
 
 #include <QMenu>
+
 #include <algorithm>
 
 #include "core/prog_error.h"
@@ -12,8 +13,14 @@ namespace {
 bool kiosk_mode = qEnvironmentVariableIntValue("ZUT_KIOSK_MODE") != 0;
 }
 
-bool VelInit::isKioskMode() { return kiosk_mode; }
-void VelInit::setKioskMode(bool kiosk) { kiosk_mode = kiosk; }
+bool VelInit::isKioskMode()
+{
+  return kiosk_mode;
+}
+void VelInit::setKioskMode(bool kiosk)
+{
+  kiosk_mode = kiosk;
+}
 
 namespace GApp {
 namespace {
@@ -51,7 +58,10 @@ void MainWindow::unregisterSpecialMenuProvider(SpecialMenuProvider* provider)
   providers().erase(std::remove(providers().begin(), providers().end(), provider), providers().end());
 }
 
-const std::vector<SpecialMenuProvider*>& MainWindow::getSpecialMenuProviders() { return providers(); }
+const std::vector<SpecialMenuProvider*>& MainWindow::getSpecialMenuProviders()
+{
+  return providers();
+}
 
 void MainWindow::fillSpecialMenu(const QString& menu_id, QMenu* menu)
 {

@@ -43,7 +43,7 @@ bool ModuleLoader::load(QString* error)
   if (!_init_library || !_close_library || !_init_defaults || !_close_defaults) {
     if (error)
       *error = QStringLiteral("%1 is not a module: InitLibrary, CloseLibrary, InitDefaults or CloseDefaults is missing")
-                 .arg(_library.fileName());
+                   .arg(_library.fileName());
     _library.unload();
     return false;
   }
@@ -71,9 +71,18 @@ void ModuleLoader::initLibrary(CfgNode* root)
   raiseReported();
 }
 
-void ModuleLoader::closeLibrary() { call(_close_library); }
-void ModuleLoader::initDefaults() { call(_init_defaults); }
-void ModuleLoader::closeDefaults() { call(_close_defaults); }
+void ModuleLoader::closeLibrary()
+{
+  call(_close_library);
+}
+void ModuleLoader::initDefaults()
+{
+  call(_init_defaults);
+}
+void ModuleLoader::closeDefaults()
+{
+  call(_close_defaults);
+}
 
 bool ModuleLoader::initScriptDatabase()
 {

@@ -40,8 +40,7 @@ bool Trait::convertTo(StageIdentifier, int type_id, QVariant& out) const
     return true;
   }
   switch (type_id) {
-    case QMetaType::Bool:
-      return false;
+    case QMetaType::Bool: return false;
     case QMetaType::Int:
     case QMetaType::LongLong: {
       qlonglong value = 0;
@@ -103,8 +102,7 @@ bool Trait::convertTo(StageIdentifier, int type_id, QVariant& out) const
         return true;
       }
       return false;
-    default:
-      return false;
+    default: return false;
   }
 }
 

@@ -96,8 +96,9 @@ bool handleException(py::error_already_set& error, QString& error_code, ErrorLog
   if (PyObject_IsInstance(error.value().ptr(), command_error.ptr()) == 1)
     error_code = QString::fromStdString(error.value().attr("code").cast<std::string>());
 
-  const py::object lines = py::module_::import("traceback").attr("format_exception")(error.type(), error.value(),
-                                                                                     error.trace());
+  // A syntax error has no frames: no traceback object.
+  const py::object trace = error.trace() ? error.trace() : py::none();
+  const py::object lines = py::module_::import("traceback").attr("format_exception")(error.type(), error.value(), trace);
   addLines(log, QString::fromStdString(py::str("").attr("join")(lines).cast<std::string>()));
   return false;
 }
@@ -127,8 +128,8 @@ bool Execute::execute(int /*gui_mode*/, int flags, QString& error_code, ErrorLog
       globals["PARAMETERS"] = parameters;
 
       const std::string file_name = _file_name.isEmpty() ? std::string("<string>") : _file_name.toStdString();
-      const py::object compiled = py::module_::import("builtins")
-                                    .attr("compile")(_code.toStdString(), file_name, "exec", 0, true);
+      const py::object compiled =
+          py::module_::import("builtins").attr("compile")(_code.toStdString(), file_name, "exec", 0, true);
       PyObject* result = PyEval_EvalCode(compiled.ptr(), globals.ptr(), globals.ptr());
       if (!result)
         throw py::error_already_set();

@@ -53,7 +53,10 @@ void PythonInterpreter::initialize()
   state = State::Running;
 }
 
-bool PythonInterpreter::isInitialized() { return state == State::Running; }
+bool PythonInterpreter::isInitialized()
+{
+  return state == State::Running;
+}
 
 void PythonInterpreter::finalize()
 {

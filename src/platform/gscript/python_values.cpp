@@ -78,8 +78,7 @@ py::object fromVariant(const QVariant& value)
         dict[py::str(it.key().toStdString())] = fromVariant(it.value());
       return std::move(dict);
     }
-    default:
-      return py::str(value.toString().toStdString());
+    default: return py::str(value.toString().toStdString());
   }
 }
 

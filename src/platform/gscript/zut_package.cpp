@@ -115,10 +115,10 @@ PYBIND11_EMBEDDED_MODULE(zut, m)
   m.doc() = "The application's commands and types.";
   py::exec(Vel::GScript::EXCEPTIONS, m.attr("__dict__"));
   py::class_<CommandNamespace>(m, "CommandNamespace")
-    .def("__getattr__", &Vel::GScript::attribute)
-    .def("__call__", &Vel::GScript::call)
-    .def("__dir__", &Vel::GScript::names)
-    .def("__repr__", [](const CommandNamespace& self) { return "<" + self.path() + ">"; });
+      .def("__getattr__", &Vel::GScript::attribute)
+      .def("__call__", &Vel::GScript::call)
+      .def("__dir__", &Vel::GScript::names)
+      .def("__repr__", [](const CommandNamespace& self) { return "<" + self.path() + ">"; });
   m.attr("script") = CommandNamespace{std::string(), false};
   m.attr("interactive") = CommandNamespace{std::string(), true};
 }

@@ -1,9 +1,13 @@
 #include "gtools/error_dialog.h"
 
 #include <QApplication>
+#include <QDir>
+#include <QFile>
 #include <QGuiApplication>
 #include <QMessageBox>
+
 #include <cstdio>
+#include <unistd.h>
 
 #include "core/error_message_container.h"
 
@@ -23,6 +27,19 @@ QuestionHandler& questionHandler()
 }
 
 }  // namespace
+
+void prepareGuiEnvironment()
+{
+  if (qEnvironmentVariableIsEmpty("DISPLAY") && qEnvironmentVariableIsEmpty("WAYLAND_DISPLAY") &&
+      qEnvironmentVariableIsEmpty("QT_QPA_PLATFORM"))
+    qputenv("QT_QPA_PLATFORM", "offscreen");
+  if (qEnvironmentVariableIsEmpty("XDG_RUNTIME_DIR")) {
+    const QString runtime = QDir::tempPath() + QStringLiteral("/runtime-zut-") + QString::number(getuid());
+    QDir().mkpath(runtime);
+    QFile::setPermissions(runtime, QFile::ReadOwner | QFile::WriteOwner | QFile::ExeOwner);
+    qputenv("XDG_RUNTIME_DIR", runtime.toLocal8Bit());
+  }
+}
 
 bool isInteractive()
 {
@@ -61,8 +78,14 @@ bool askYesNo(const QString& title, const QString& question, bool fallback)
   return QMessageBox::question(nullptr, title, question, QMessageBox::Yes | QMessageBox::No) == QMessageBox::Yes;
 }
 
-void setErrorDialogHandler(ErrorDialogHandler handler) { errorHandler() = std::move(handler); }
+void setErrorDialogHandler(ErrorDialogHandler handler)
+{
+  errorHandler() = std::move(handler);
+}
 
-void setQuestionHandler(QuestionHandler handler) { questionHandler() = std::move(handler); }
+void setQuestionHandler(QuestionHandler handler)
+{
+  questionHandler() = std::move(handler);
+}
 
 }  // namespace Vel::GTools

@@ -1,11 +1,17 @@
 #pragma once
 
 #include <QString>
+
 #include <functional>
 
 #include "core/vel_export.h"
 
 namespace Vel::GTools {
+
+// Before the application object exists: without a display, Qt's offscreen platform, so that
+// everything that needs no person works on a server; and a private runtime folder where the
+// session has none (Qt warns on every start otherwise).
+VEL_EXPORT void prepareGuiEnvironment();
 
 // Whether a person can answer a dialog: a GUI application on a real display platform.
 VEL_EXPORT bool isInteractive();

@@ -1,0 +1,65 @@
+#include <gtest/gtest.h>
+
+#include <QDir>
+#include <QTemporaryDir>
+
+#include "cfg/cfg.h"
+#include "core/error_message_container.h"
+#include "core/prog_error.h"
+#include "gapp/app_status_manager.h"
+#include "gapp/command_container.h"
+#include "gapp/module_loader.h"
+#include "test_util.h"
+
+using namespace Vel;
+using namespace Vel::GApp;
+
+// The real plug-in, loaded by name the way the program loads it; this test is not linked
+// with the module.
+TEST(ModuleLoading, HostLoadsTheBuiltModuleAndDrivesItsLifecycle)
+{
+  QTemporaryDir dir;
+  Cfg cfg(dir.filePath(QStringLiteral("config.json")));
+  ModuleLoader loader(ModuleLoader::modulePath(QStringLiteral("MSysScript")));
+  QString error;
+  ASSERT_TRUE(loader.load(&error)) << qPrintable(error);
+
+  loader.initLibrary(cfg.root());
+  loader.initDefaults();
+  EXPECT_NE(CommandContainer::getInstance().getCommand(QStringLiteral("sys.execute_python_code")), nullptr);
+  EXPECT_EQ(cfg.root()->getUInt(QStringLiteral("MSysScript/TabWidth")), 4u);
+  EXPECT_EQ(ErrorMessageContainer::getMessage(QStringLiteral("MSysScriptErr-0013")),
+            QStringLiteral("Maximum recursion depth exceeded"));
+  EXPECT_EQ(AppStatusManager::getExitNotifiers().size(), 1u);
+
+  // The script database functions are not exported yet; the host does without them.
+  EXPECT_FALSE(loader.initScriptDatabase());
+
+  // A program error inside an exported function reaches the host as a ProgError.
+  try {
+    loader.initDefaults();
+    FAIL() << "second menu provider accepted";
+  } catch (const ProgError& failure) {
+    EXPECT_EQ(failure.getMessage(), QStringLiteral("Singleton, only one instance allowed"));
+  }
+
+  EXPECT_TRUE(AppStatusManager::requestExit(true));
+  loader.closeDefaults();
+  EXPECT_TRUE(AppStatusManager::getExitNotifiers().empty());
+  CommandContainer::getInstance().deleteAll();
+  loader.closeLibrary();
+}
+
+TEST(ModuleLoading, ALibraryThatIsNoModuleIsRefused)
+{
+  QString error;
+  ModuleLoader missing(QStringLiteral("/nonexistent/libVelNothing.so"));
+  EXPECT_FALSE(missing.load(&error));
+  EXPECT_FALSE(error.isEmpty());
+
+  // A real shared library without the lifecycle functions.
+  ModuleLoader not_a_module(
+    QDir::cleanPath(ModuleLoader::modulePath(QStringLiteral("MSysScript")) + QStringLiteral("/../../libvel_core.so")));
+  EXPECT_FALSE(not_a_module.load(&error));
+  EXPECT_TRUE(error.contains(QStringLiteral("is not a module"))) << qPrintable(error);
+}

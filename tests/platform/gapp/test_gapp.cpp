@@ -1,0 +1,213 @@
+#include <gtest/gtest.h>
+
+#include <QMenu>
+#include <memory>
+
+#include "core/prog_error.h"
+#include "gapp/app_status_manager.h"
+#include "gapp/command.h"
+#include "gapp/command_container.h"
+#include "gapp/main_window.h"
+#include "gtools/error_dialog.h"
+
+using namespace Vel;
+using namespace Vel::GApp;
+
+namespace {
+
+class RecordingCommand : public Command
+{
+public:
+  explicit RecordingCommand(const QString& name, bool fail = false) : Command(name), _fail(fail) {}
+  void execute(const CommandParameters& parameters) override
+  {
+    ++runs;
+    seen = parameters.get(QStringLiteral("value")).getValue();
+    if (_fail) {
+      ErrorLog log;
+      log.addLine(QStringLiteral("detail"));
+      throw CommandError(QStringLiteral("TestErr-0001"), log);
+    }
+    if (seen.isValid())
+      setResult(seen);
+  }
+  bool prepareInteractive(CommandParameters& parameters) override
+  {
+    if (cancel)
+      return false;
+    parameters.set(QStringLiteral("value"), QVariant(QStringLiteral("asked")));
+    return true;
+  }
+
+  int runs = 0;
+  bool cancel = false;
+  QVariant seen;
+
+private:
+  bool _fail;
+};
+
+class ExitRecorder : public ExitNotifier
+{
+public:
+  bool confirmExit(bool) override { return confirm; }
+  bool canExit() override { return can; }
+  void prepareExit() override { ++prepared; }
+  bool confirm = true;
+  bool can = true;
+  int prepared = 0;
+};
+
+}  // namespace
+
+struct ConversionCase
+{
+  QVariant value;
+  int target;
+  bool ok;
+  QVariant expected;
+};
+
+class TraitConversion : public ::testing::TestWithParam<ConversionCase>
+{
+};
+
+TEST_P(TraitConversion, ConvertsOnlyWithoutLosingMeaning)
+{
+  const ConversionCase& c = GetParam();
+  QVariant out;
+  EXPECT_EQ(Trait(c.value).convertTo(StageIdentifier::NO_STAGE, c.target, out), c.ok);
+  if (c.ok) {
+    EXPECT_EQ(out, c.expected);
+  }
+}
+
+INSTANTIATE_TEST_SUITE_P(
+  Values, TraitConversion,
+  ::testing::Values(ConversionCase{true, QMetaType::Bool, true, true},
+                    ConversionCase{qlonglong(1), QMetaType::Bool, false, {}},
+                    ConversionCase{qlonglong(3), QMetaType::Double, true, 3.0},
+                    ConversionCase{3.0, QMetaType::Int, true, 3}, ConversionCase{3.5, QMetaType::Int, false, {}},
+                    ConversionCase{qlonglong(1) << 40, QMetaType::Int, false, {}},
+                    ConversionCase{QStringLiteral("3"), QMetaType::Double, false, {}},
+                    ConversionCase{QStringLiteral("a.py"), QMetaType::QString, true, QStringLiteral("a.py")},
+                    ConversionCase{qlonglong(1), QMetaType::QString, false, {}},
+                    ConversionCase{QVariantList{QStringLiteral("a")}, QMetaType::QStringList, true,
+                                   QStringList{QStringLiteral("a")}},
+                    ConversionCase{QVariantList{1}, QMetaType::QStringList, false, {}},
+                    ConversionCase{QVariantMap{{QStringLiteral("a"), 1}}, QMetaType::QVariantMap, true,
+                                   QVariantMap{{QStringLiteral("a"), 1}}},
+                    ConversionCase{QVariantList{}, QMetaType::QVariantMap, false, {}},
+                    ConversionCase{QVariant(), QMetaType::QString, false, {}}));
+
+TEST(Trait, TextNamesAFileAndBack)
+{
+  QVariant file;
+  ASSERT_TRUE(Trait(QStringLiteral("dir/a.py")).convertTo(StageIdentifier::NO_STAGE, Trait::fileTypeId(), file));
+  EXPECT_EQ(file.value<Parse::File>().getName(), QStringLiteral("dir/a.py"));
+  QVariant text;
+  ASSERT_TRUE(Trait(file).convertTo(StageIdentifier::NO_STAGE, QMetaType::QString, text));
+  EXPECT_EQ(text, QVariant(QStringLiteral("dir/a.py")));
+  EXPECT_EQ(CommandParameters::generateReadableTypeName(Trait::fileTypeId()), QStringLiteral("file"));
+}
+
+TEST(CommandContainer, OrdersByNameRemembersRegistrationAndOwns)
+{
+  CommandContainer& container = CommandContainer::getInstance();
+  auto* b = new RecordingCommand(QStringLiteral("test.b"));
+  auto* a = new RecordingCommand(QStringLiteral("test.a.one"));
+  EXPECT_EQ(container.getCommand(QStringLiteral("test.b")), b);
+  EXPECT_TRUE(container.hasCommandsBelow(QStringLiteral("test")));
+  EXPECT_TRUE(container.hasCommandsBelow(QStringLiteral("test.a")));
+  EXPECT_FALSE(container.hasCommandsBelow(QStringLiteral("test.a.one")));
+  EXPECT_FALSE(container.hasCommandsBelow(QStringLiteral("tes")));
+
+  std::vector<QString> by_name;
+  for (const auto& entry : container)
+    if (entry.first.startsWith(QStringLiteral("test.")))
+      by_name.push_back(entry.first);
+  EXPECT_EQ(by_name, (std::vector<QString>{QStringLiteral("test.a.one"), QStringLiteral("test.b")}));
+  std::vector<Command*> in_order;
+  for (Command* command : container.getCommandsInRegistrationOrder())
+    if (command == a || command == b)
+      in_order.push_back(command);
+  EXPECT_EQ(in_order, (std::vector<Command*>{b, a}));
+
+  container.registerCommand(a);  // the same object again: nothing happens
+  EXPECT_THROW(RecordingCommand(QStringLiteral("test.b")), ProgError);
+  EXPECT_EQ(container.getCommand(QStringLiteral("test.b")), b) << "the failed duplicate withdrew nothing";
+
+  container.removeCommand(QStringLiteral("test.b"));
+  delete a;
+  EXPECT_EQ(container.getCommand(QStringLiteral("test.b")), nullptr);
+  EXPECT_EQ(container.getCommand(QStringLiteral("test.a.one")), nullptr);
+}
+
+TEST(Command, RunClearsTheResultAndInteractiveRunsMayAskOrBeCancelled)
+{
+  RecordingCommand command(QStringLiteral("test.run"));
+  CommandParameters parameters;
+  parameters.set(QStringLiteral("value"), QVariant(7));
+  EXPECT_EQ(command.run(parameters, false), QVariant(7));
+  EXPECT_FALSE(command.run(CommandParameters(), false).isValid()) << "a stale result must not leak";
+  EXPECT_EQ(command.run(CommandParameters(), true), QVariant(QStringLiteral("asked")));
+  command.cancel = true;
+  const int runs = command.runs;
+  EXPECT_FALSE(command.run(CommandParameters(), true).isValid());
+  EXPECT_EQ(command.runs, runs);
+}
+
+TEST(CommandError, TextHasCodeMessageAndLog)
+{
+  const CommandError plain(QStringLiteral("command argument 'x' is missing"));
+  EXPECT_EQ(plain.getCode(), QString::fromLatin1(ERR_COMMAND_FAILED));
+  EXPECT_EQ(plain.getText(), QStringLiteral("GAppErr-0001: Command failed\ncommand argument 'x' is missing"));
+}
+
+TEST(MainWindow, ExecuteMenuReportsFailuresInsteadOfThrowing)
+{
+  std::vector<std::pair<QString, QString>> shown;
+  GTools::setErrorDialogHandler([&](const QString& code, const QString& text) { shown.emplace_back(code, text); });
+  RecordingCommand good(QStringLiteral("test.menu.good"));
+  RecordingCommand bad(QStringLiteral("test.menu.bad"), true);
+  EXPECT_TRUE(MainWindow::executeMenu(&good));
+  EXPECT_EQ(good.seen, QVariant(QStringLiteral("asked")));
+  EXPECT_FALSE(MainWindow::executeMenu(&bad));
+  GTools::setErrorDialogHandler(nullptr);
+  ASSERT_EQ(shown.size(), 1u);
+  EXPECT_EQ(shown[0].first, QStringLiteral("TestErr-0001"));
+  EXPECT_EQ(shown[0].second, QStringLiteral("detail"));
+}
+
+TEST(AppStatusManager, ExitNeedsEveryNotifierAndPreparesOnlyThen)
+{
+  ExitRecorder first, second;
+  AppStatusManager::registerExitNotifier(&first);
+  AppStatusManager::registerExitNotifier(&second);
+  AppStatusManager::registerExitNotifier(&first);
+  EXPECT_EQ(AppStatusManager::getExitNotifiers().size(), 2u);
+
+  second.can = false;
+  EXPECT_FALSE(AppStatusManager::requestExit(true));
+  EXPECT_EQ(first.prepared + second.prepared, 0);
+  second.can = true;
+  EXPECT_TRUE(AppStatusManager::requestExit(true));
+  EXPECT_EQ(first.prepared, 1);
+  EXPECT_EQ(second.prepared, 1);
+  AppStatusManager::unregisterExitNotifier(&first);
+  AppStatusManager::unregisterExitNotifier(&second);
+  EXPECT_TRUE(AppStatusManager::getExitNotifiers().empty());
+}
+
+TEST(AppStatusManager, ActiveMenuCommandsNest)
+{
+  RecordingCommand outer(QStringLiteral("test.outer")), inner(QStringLiteral("test.inner"));
+  AppStatusManager::pushActiveMenuCommand(&outer);
+  AppStatusManager::pushActiveMenuCommand(&inner);
+  EXPECT_EQ(AppStatusManager::getActiveMenuCommand(), &inner);
+  AppStatusManager::popActiveMenuCommand();
+  EXPECT_EQ(AppStatusManager::getActiveMenuCommand(), &outer);
+  AppStatusManager::popActiveMenuCommand();
+  EXPECT_EQ(AppStatusManager::getActiveMenuCommand(), nullptr);
+  EXPECT_THROW(AppStatusManager::popActiveMenuCommand(), ProgError);
+}

@@ -1,0 +1,224 @@
+#include <gtest/gtest.h>
+
+#include <pybind11/embed.h>
+
+#include <QVariant>
+#include <vector>
+
+#include "gapp/command.h"
+#include "gscript/execute.h"
+#include "gscript/python_interpreter.h"
+#include "gscript/python_values.h"
+
+using namespace Vel;
+using namespace Vel::GScript;
+namespace py = pybind11;
+
+namespace {
+
+// Runs its "code" argument as a nested script and records the interpreter depth it saw.
+class NestedRunCommand : public GApp::Command
+{
+public:
+  NestedRunCommand() : Command(QStringLiteral("test.nested.run")) {}
+  void execute(const GApp::CommandParameters& parameters) override
+  {
+    depths.push_back(PythonInterpreter::getInterpreterStack().size());
+    Execute run(parameters.get(QStringLiteral("code")).getValue().toString());
+    QString code;
+    ErrorLog log;
+    if (!run.execute(0, Execute::FLAG_MAIN, code, log))
+      throw GApp::CommandError(code, log);
+    depths.push_back(PythonInterpreter::getInterpreterStack().size());
+  }
+  std::vector<size_t> depths;
+};
+
+class EchoCommand : public GApp::Command
+{
+public:
+  EchoCommand() : Command(QStringLiteral("test.echo")) {}
+  void execute(const GApp::CommandParameters& parameters) override
+  {
+    if (parameters.contains(QStringLiteral("fail"))) {
+      ErrorLog log;
+      log.addLine(QStringLiteral("first line"));
+      log.addLine(QStringLiteral("second line"));
+      throw GApp::CommandError(QStringLiteral("TestErr-0042"), log);
+    }
+    setResult(parameters.get(QStringLiteral("value")).getValue());
+  }
+};
+
+struct RunResult
+{
+  bool ok;
+  QString code;
+  QString log;
+  QString output;
+};
+
+RunResult run(const QString& text, const QString& file = QString(), bool collect_out = false, bool collect_err = false,
+        const QMap<QString, QVariant>& parameters = {})
+{
+  Execute execute(text);
+  execute.setFileName(file);
+  execute.setCollectStdout(collect_out);
+  execute.setCollectStderr(collect_err);
+  execute.setParameters(parameters);
+  RunResult result;
+  ErrorLog log;
+  result.ok = execute.execute(0, Execute::FLAG_MAIN, result.code, log);
+  result.log = log.getText();
+  result.output = execute.getCollectedOutput();
+  return result;
+}
+
+class GScriptTest : public ::testing::Test
+{
+protected:
+  static void SetUpTestSuite()
+  {
+    nested = new NestedRunCommand;
+    echo = new EchoCommand;
+  }
+  static void TearDownTestSuite()
+  {
+    delete nested;
+    delete echo;
+  }
+  static NestedRunCommand* nested;
+  static EchoCommand* echo;
+};
+
+NestedRunCommand* GScriptTest::nested = nullptr;
+EchoCommand* GScriptTest::echo = nullptr;
+
+}  // namespace
+
+TEST_F(GScriptTest, EveryRunHasAFreshNamespaceWithItsParameters)
+{
+  EXPECT_TRUE(run(QStringLiteral("leftover = 1\nassert __name__ == '__main__'")).ok);
+  const RunResult second = run(QStringLiteral("print(sorted(PARAMETERS.items()), 'leftover' in globals())"), QString(), true,
+                         false, {{QStringLiteral("b"), QVariantList{1, QStringLiteral("x")}}, {QStringLiteral("a"), 2.5}});
+  ASSERT_TRUE(second.ok) << qPrintable(second.log);
+  EXPECT_EQ(second.output, QStringLiteral("[('a', 2.5), ('b', [1, 'x'])] False\n"));
+  EXPECT_TRUE(run(QStringLiteral("assert PARAMETERS == {}")).ok);
+}
+
+TEST_F(GScriptTest, CollectsEachStreamOnlyWhenAsked)
+{
+  const QString text = QStringLiteral("import sys\nprint('out')\nprint('err', file=sys.stderr)\n");
+  EXPECT_EQ(run(text, QString(), true, false).output, QStringLiteral("out\n"));
+  EXPECT_EQ(run(text, QString(), false, true).output, QStringLiteral("err\n"));
+  EXPECT_EQ(run(text, QString(), true, true).output, QStringLiteral("out\nerr\n"));
+  EXPECT_EQ(run(text, QString(), false, false).output, QString());
+  // The streams are back after the run, also after a failure.
+  run(QStringLiteral("raise ValueError()"), QString(), true, true);
+  EXPECT_TRUE(run(QStringLiteral("import sys\nassert sys.stdout is sys.__stdout__\nassert sys.stderr is sys.__stderr__")).ok);
+}
+
+TEST_F(GScriptTest, FailureReportsTracebackWithFileAndLine)
+{
+  const RunResult failed = run(QStringLiteral("x = 1\n\ndef f():\n    return 1 / 0\nf()\n"), QStringLiteral("/scripts/calc.py"));
+  EXPECT_FALSE(failed.ok);
+  EXPECT_EQ(failed.code, QString::fromLatin1(ERR_SCRIPT_FAILED));
+  EXPECT_TRUE(failed.log.contains(QStringLiteral("File \"/scripts/calc.py\", line 4, in f"))) << qPrintable(failed.log);
+  EXPECT_TRUE(failed.log.endsWith(QStringLiteral("ZeroDivisionError: division by zero"))) << qPrintable(failed.log);
+
+  const RunResult syntax = run(QStringLiteral("if True\n    pass\n"), QStringLiteral("broken.py"));
+  EXPECT_FALSE(syntax.ok);
+  EXPECT_TRUE(syntax.log.contains(QStringLiteral("File \"broken.py\", line 1"))) << qPrintable(syntax.log);
+  EXPECT_TRUE(syntax.log.contains(QStringLiteral("SyntaxError"))) << qPrintable(syntax.log);
+}
+
+TEST_F(GScriptTest, SystemExitEndsTheRunAndOnlyAFailingStatusFails)
+{
+  EXPECT_TRUE(run(QStringLiteral("import sys\nsys.exit()\nraise ValueError()")).ok);
+  EXPECT_TRUE(run(QStringLiteral("raise SystemExit(0)")).ok);
+  const RunResult failed = run(QStringLiteral("raise SystemExit(3)"));
+  EXPECT_FALSE(failed.ok);
+  EXPECT_EQ(failed.log, QStringLiteral("SystemExit: 3"));
+}
+
+TEST_F(GScriptTest, ScriptsCallCommandsWithKeywordsAndGetTheirResults)
+{
+  const RunResult ok = run(QStringLiteral(
+                       "import zut\n"
+                       "print(repr(zut.script.test.echo(value={'a': [1, 2.5, None, True]})))\n"
+                       "print(zut.script.test.echo())\n"
+                       "print(zut.script.test.echo(value='Grüße'))\n"
+                       "print('echo' in dir(zut.script.test), zut.script.test)\n"),
+                     QString(), true);
+  ASSERT_TRUE(ok.ok) << qPrintable(ok.log);
+  EXPECT_EQ(ok.output, QStringLiteral("{'a': [1, 2.5, None, True]}\nNone\nGrüße\nTrue <zut.script.test>\n"));
+}
+
+TEST_F(GScriptTest, MisuseFromPythonRaisesPythonErrors)
+{
+  struct Case
+  {
+    const char* code;
+    const char* error;
+  };
+  for (const Case& c : {Case{"zut.script.no_such_command", "AttributeError: zut.script has no command 'no_such_command'"},
+                        Case{"zut.script.test()", "AttributeError: zut.script has no command 'test'"},
+                        Case{"zut.script.test.echo(1)", "TypeError: zut.script.test.echo() takes keyword arguments only"},
+                        Case{"zut.script.test.echo(value=object())", "TypeError: cannot pass an object of type 'object'"},
+                        Case{"zut.script.test.echo(value={1: 2})", "TypeError: dictionary keys passed to a command"},
+                        Case{"zut.script.test.echo(value=2**70)", "TypeError: integer too large"}}) {
+    const RunResult failed = run(QStringLiteral("import zut\n") + QString::fromLatin1(c.code));
+    EXPECT_FALSE(failed.ok);
+    EXPECT_TRUE(failed.log.contains(QString::fromLatin1(c.error))) << c.code << "\n" << qPrintable(failed.log);
+  }
+}
+
+TEST_F(GScriptTest, FailingCommandRaisesCommandErrorAndAnUncaughtOneKeepsItsCode)
+{
+  const RunResult caught = run(QStringLiteral("import zut\n"
+                                        "try:\n"
+                                        "    zut.script.test.echo(fail=True)\n"
+                                        "except zut.CommandError as e:\n"
+                                        "    print(e.code, repr(e.log))\n"),
+                         QString(), true);
+  ASSERT_TRUE(caught.ok) << qPrintable(caught.log);
+  EXPECT_EQ(caught.output, QStringLiteral("TestErr-0042 'first line\\nsecond line'\n"));
+
+  const RunResult uncaught = run(QStringLiteral("import zut\nzut.script.test.echo(fail=True)\n"));
+  EXPECT_FALSE(uncaught.ok);
+  EXPECT_EQ(uncaught.code, QStringLiteral("TestErr-0042"));
+  EXPECT_TRUE(uncaught.log.contains(QStringLiteral("second line"))) << qPrintable(uncaught.log);
+}
+
+TEST_F(GScriptTest, NestedRunsGrowAndShrinkTheInterpreterStackStrictly)
+{
+  nested->depths.clear();
+  const RunResult result = run(QStringLiteral(
+    "import zut\n"
+    "zut.script.test.nested.run(code='import zut\\nzut.script.test.nested.run(code=\"pass\")')\n"
+    "try:\n"
+    "    zut.script.test.nested.run(code='raise KeyError(1)')\n"
+    "except zut.CommandError:\n"
+    "    pass\n"));
+  ASSERT_TRUE(result.ok) << qPrintable(result.log);
+  // Entry and exit depth of each call, outermost call first in entry order.
+  EXPECT_EQ(nested->depths, (std::vector<size_t>{1, 2, 2, 1, 1}));
+  EXPECT_TRUE(PythonInterpreter::getInterpreterStack().empty());
+}
+
+TEST(PythonValues, RoundTripAndLiterals)
+{
+  PythonInterpreter::initialize();
+  const QVariantList values = {QVariant(), true, qlonglong(-3), 1.5, QStringLiteral("ä"),
+                               QVariantList{1, QStringLiteral("x")}, QVariantMap{{QStringLiteral("k"), QVariantList{}}}};
+  for (const QVariant& value : values) {
+    const QVariant back = toVariant(fromVariant(value));
+    EXPECT_EQ(back, value) << qPrintable(PythonInterpreter::repr(value));
+  }
+  QVariant parsed;
+  ASSERT_TRUE(PythonInterpreter::parseLiteral(QStringLiteral("{'a': (1, 2)}"), parsed));
+  EXPECT_EQ(parsed, QVariant(QVariantMap{{QStringLiteral("a"), QVariantList{qlonglong(1), qlonglong(2)}}}));
+  EXPECT_FALSE(PythonInterpreter::parseLiteral(QStringLiteral("hello"), parsed));
+  EXPECT_FALSE(PythonInterpreter::parseLiteral(QStringLiteral("__import__('os')"), parsed));
+  EXPECT_EQ(PythonInterpreter::repr(QVariantList{1, QStringLiteral("a")}), QStringLiteral("[1, 'a']"));
+}

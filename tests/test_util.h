@@ -1,0 +1,18 @@
+#pragma once
+
+#include <QTemporaryDir>
+#include <QFile>
+#include <QString>
+
+// Writes `bytes` to `path` (created or truncated).
+inline bool writeFile(const QString& path, const QByteArray& bytes)
+{
+  QFile file(path);
+  return file.open(QIODevice::WriteOnly) && file.write(bytes) == bytes.size();
+}
+
+inline QByteArray readFile(const QString& path)
+{
+  QFile file(path);
+  return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray();
+}
