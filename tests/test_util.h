@@ -1,8 +1,8 @@
 #pragma once
 
-#include <QTemporaryDir>
 #include <QFile>
 #include <QString>
+#include <QTemporaryDir>
 
 // Writes `bytes` to `path` (created or truncated).
 inline bool writeFile(const QString& path, const QByteArray& bytes)

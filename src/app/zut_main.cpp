@@ -2,7 +2,6 @@
 
 #include <QApplication>
 
-
 #include "gtools/error_dialog.h"
 #include "zut_commands.h"
 #include "zut_host.h"

@@ -1,7 +1,7 @@
-#include <gtest/gtest.h>
-
 #include <QDir>
 #include <QTemporaryDir>
+
+#include <gtest/gtest.h>
 
 #include "cfg/cfg.h"
 #include "core/error_message_container.h"
@@ -58,8 +58,8 @@ TEST(ModuleLoading, ALibraryThatIsNoModuleIsRefused)
   EXPECT_FALSE(error.isEmpty());
 
   // A real shared library without the lifecycle functions.
-  ModuleLoader not_a_module(
-    QDir::cleanPath(ModuleLoader::modulePath(QStringLiteral("MSysScript")) + QStringLiteral("/../../libvel_core.so")));
+  ModuleLoader not_a_module(QDir::cleanPath(ModuleLoader::modulePath(QStringLiteral("MSysScript")) +
+                                            QStringLiteral("/../../libvel_core.so")));
   EXPECT_FALSE(not_a_module.load(&error));
   EXPECT_TRUE(error.contains(QStringLiteral("is not a module"))) << qPrintable(error);
 }

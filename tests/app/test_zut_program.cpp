@@ -1,5 +1,3 @@
-#include <gtest/gtest.h>
-
 #include <QDir>
 #include <QFile>
 #include <QJsonArray>
@@ -7,6 +5,8 @@
 #include <QJsonObject>
 #include <QProcess>
 #include <QTemporaryDir>
+
+#include <gtest/gtest.h>
 
 #include "test_util.h"
 
@@ -59,15 +59,16 @@ TEST_F(ZutProgram, ListsTheModuleCommands)
   const Result json = zut({QStringLiteral("commands"), QStringLiteral("--json")});
   const QJsonArray list = QJsonDocument::fromJson(json.out.toUtf8()).array();
   ASSERT_EQ(list.size(), 14);
-  EXPECT_EQ(list.first().toObject().value(QStringLiteral("name")).toString(), QStringLiteral("sys.close_user_defined_dialog"));
+  EXPECT_EQ(list.first().toObject().value(QStringLiteral("name")).toString(),
+            QStringLiteral("sys.close_user_defined_dialog"));
 }
 
 TEST_F(ZutProgram, ExecCallAndRun)
 {
   EXPECT_EQ(zut({QStringLiteral("exec"), QStringLiteral("print(6*7)")}).out, QStringLiteral("42\n"));
 
-  const Result call = zut({QStringLiteral("call"), QStringLiteral("sys.execute_python_code"), QStringLiteral("code=print(1)"),
-                           QStringLiteral("collect_stdout=True")});
+  const Result call = zut({QStringLiteral("call"), QStringLiteral("sys.execute_python_code"),
+                           QStringLiteral("code=print(1)"), QStringLiteral("collect_stdout=True")});
   EXPECT_EQ(call.status, 0) << qPrintable(call.err);
   EXPECT_EQ(call.out, QStringLiteral("1\n"));
 
@@ -78,8 +79,8 @@ TEST_F(ZutProgram, ExecCallAndRun)
             QStringLiteral("{'a': [1, 'x']}\n"));
 
   const QString script = file("params.py", "print(PARAMETERS['n'] + 1, PARAMETERS['s'])");
-  const Result run = zut({QStringLiteral("run"), script, QStringLiteral("-p"), QStringLiteral("n=41"), QStringLiteral("-p"),
-                          QStringLiteral("s=some text")});
+  const Result run = zut({QStringLiteral("run"), script, QStringLiteral("-p"), QStringLiteral("n=41"),
+                          QStringLiteral("-p"), QStringLiteral("s=some text")});
   EXPECT_EQ(run.out, QStringLiteral("42 some text\n")) << qPrintable(run.err);
 }
 
@@ -88,12 +89,14 @@ TEST_F(ZutProgram, FailuresPrintCodeMessageAndLogAndExitOne)
   const QString empty = file("empty.py", "");
   const Result empty_run = zut({QStringLiteral("run"), empty});
   EXPECT_EQ(empty_run.status, 1);
-  EXPECT_EQ(empty_run.err, QStringLiteral("MSysScriptErr-0002: Error loading script\nUnable to access file: %1\n").arg(empty));
+  EXPECT_EQ(empty_run.err,
+            QStringLiteral("MSysScriptErr-0002: Error loading script\nUnable to access file: %1\n").arg(empty));
 
   const QString failing = file("failing.py", "a = 1\nb = a / 0\n");
   const Result failed = zut({QStringLiteral("run"), failing});
   EXPECT_EQ(failed.status, 1);
-  EXPECT_TRUE(failed.err.contains(QStringLiteral("File \"%1\", line 2, in <module>").arg(failing))) << qPrintable(failed.err);
+  EXPECT_TRUE(failed.err.contains(QStringLiteral("File \"%1\", line 2, in <module>").arg(failing)))
+      << qPrintable(failed.err);
   EXPECT_TRUE(failed.err.contains(QStringLiteral("ZeroDivisionError"))) << qPrintable(failed.err);
 
   const Result placeholder = zut({QStringLiteral("call"), QStringLiteral("sys.show_script_editor")});
@@ -108,8 +111,9 @@ TEST_F(ZutProgram, WrongUsageExitsTwoAndHelpExitsZero)
         QStringList{QStringLiteral("exec")}, QStringList{QStringLiteral("call"), QStringLiteral("no.such.command")},
         QStringList{QStringLiteral("call"), QStringLiteral("sys.delay_script"), QStringLiteral("time")}})
     EXPECT_EQ(zut(arguments).status, 2) << qPrintable(arguments.join(QLatin1Char(' ')));
-  for (const QStringList& arguments : {QStringList{QStringLiteral("--help")}, QStringList{QStringLiteral("run"), QStringLiteral("--help")},
-                                       QStringList{QStringLiteral("config"), QStringLiteral("--help")}}) {
+  for (const QStringList& arguments :
+       {QStringList{QStringLiteral("--help")}, QStringList{QStringLiteral("run"), QStringLiteral("--help")},
+        QStringList{QStringLiteral("config"), QStringLiteral("--help")}}) {
     const Result help = zut(arguments);
     EXPECT_EQ(help.status, 0);
     EXPECT_TRUE(help.out.startsWith(QStringLiteral("Usage: zut"))) << qPrintable(help.out);
@@ -128,8 +132,9 @@ TEST_F(ZutProgram, ConfigurationSurvivesARestartAndRefusesBadValues)
   EXPECT_EQ(zut({QStringLiteral("config"), QStringLiteral("MSysScript/TabWidth")}).out, QStringLiteral("8\n"));
 
   const QJsonObject item =
-    QJsonDocument::fromJson(zut({QStringLiteral("config"), QStringLiteral("--json"), QStringLiteral("MSysScript/ShowTabs")}).out.toUtf8())
-      .object();
+      QJsonDocument::fromJson(
+          zut({QStringLiteral("config"), QStringLiteral("--json"), QStringLiteral("MSysScript/ShowTabs")}).out.toUtf8())
+          .object();
   EXPECT_EQ(item.value(QStringLiteral("value")).toBool(true), false);
   EXPECT_EQ(item.value(QStringLiteral("type")).toString(), QStringLiteral("boolean"));
 }
@@ -150,8 +155,8 @@ TEST_F(ZutProgram, DamagedConfigurationIsKeptAsideAndReported)
 TEST_F(ZutProgram, ExampleScriptsRun)
 {
   const QString examples = qEnvironmentVariable("ZUT_SOURCE_DIR") + QStringLiteral("/examples/");
-  const Result hello = zut({QStringLiteral("run"), examples + QStringLiteral("hello.py"), QStringLiteral("-p"),
-                            QStringLiteral("name=Ada")});
+  const Result hello = zut(
+      {QStringLiteral("run"), examples + QStringLiteral("hello.py"), QStringLiteral("-p"), QStringLiteral("name=Ada")});
   EXPECT_EQ(hello.status, 0) << qPrintable(hello.err);
   EXPECT_TRUE(hello.out.contains(QStringLiteral("'Hello, Ada!\\n'"))) << qPrintable(hello.out);
   EXPECT_TRUE(hello.out.contains(QStringLiteral("MSysScriptErr-0002"))) << qPrintable(hello.out);

@@ -98,7 +98,8 @@ bool handleException(py::error_already_set& error, QString& error_code, ErrorLog
 
   // A syntax error has no frames: no traceback object.
   const py::object trace = error.trace() ? error.trace() : py::none();
-  const py::object lines = py::module_::import("traceback").attr("format_exception")(error.type(), error.value(), trace);
+  const py::object lines =
+      py::module_::import("traceback").attr("format_exception")(error.type(), error.value(), trace);
   addLines(log, QString::fromStdString(py::str("").attr("join")(lines).cast<std::string>()));
   return false;
 }

@@ -2,9 +2,9 @@
 
 #include <pybind11/pybind11.h>
 
-#include "core/vel_export.h"
-
 #include <QVariant>
+
+#include "core/vel_export.h"
 
 namespace Vel::GScript {
 

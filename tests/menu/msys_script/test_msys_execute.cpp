@@ -1,10 +1,10 @@
-#include <gtest/gtest.h>
-
 #include <QDir>
 #include <QElapsedTimer>
 #include <QFile>
 #include <QTemporaryDir>
 #include <QTimer>
+
+#include <gtest/gtest.h>
 
 #include "gapp/app_status_manager.h"
 #include "gapp/command_container.h"
@@ -77,8 +77,9 @@ TEST(TypedArguments, MissingAndUnconvertibleArgumentsNameThemselves)
     getArgument<int>(parameters, QStringLiteral("count"));
     FAIL();
   } catch (const CommandError& error) {
-    EXPECT_EQ(error.getLog().getText(),
-              QStringLiteral("command argument 'count' of type 'string' cannot be converted to required type 'integer'"));
+    EXPECT_EQ(
+        error.getLog().getText(),
+        QStringLiteral("command argument 'count' of type 'string' cannot be converted to required type 'integer'"));
   }
 }
 
@@ -91,9 +92,10 @@ TEST_F(ExecuteTest, ScriptFileFailuresCarryLoadErrorAndNeverReachTheInterpreter)
             QStringLiteral("GAppErr-0001|command argument 'file' is missing"));
   CommandParameters wrong_type;
   wrong_type.set(QStringLiteral("file"), QVariant(qlonglong(3)));
-  EXPECT_EQ(failure("sys.execute_script", wrong_type),
-            QStringLiteral("GAppErr-0001|command argument 'file' of type 'integer' cannot be converted to required type "
-                           "'file'"));
+  EXPECT_EQ(
+      failure("sys.execute_script", wrong_type),
+      QStringLiteral("GAppErr-0001|command argument 'file' of type 'integer' cannot be converted to required type "
+                     "'file'"));
   EXPECT_EQ(failure("sys.execute_script", fileCall(missing)),
             QStringLiteral("MSysScriptErr-0002|%1: No such file or directory").arg(QDir::toNativeSeparators(missing)));
   EXPECT_EQ(failure("sys.execute_script", fileCall(empty)),
@@ -129,12 +131,11 @@ struct CollectCase
 {
   QVariant collect_stdout;  // invalid: argument not given
   QVariant collect_stderr;
-  QVariant result;          // invalid: result untouched
+  QVariant result;  // invalid: result untouched
 };
 
 class CollectSwitches : public ExecuteTest, public ::testing::WithParamInterface<CollectCase>
-{
-};
+{};
 
 TEST_P(CollectSwitches, StderrFollowsTheStdoutArgument)
 {
@@ -194,16 +195,17 @@ TEST_F(ExecuteTest, ParametersReachTheScriptAndMustBeAMap)
 TEST_F(ExecuteTest, ScriptsNestThroughTheExecutionCommands)
 {
   const QString inner = script("inner.py", "import zut\nprint('inner', PARAMETERS['level'])\n");
-  const QString outer = script("outer.py",
-                               QStringLiteral("import zut\n"
-                                              "out = zut.script.sys.execute_script(file=%1, parameters={'level': 2},"
-                                              " collect_stdout=True)\n"
-                                              "print('outer got', repr(out))\n")
-                                 .arg(QStringLiteral("'%1'").arg(inner))
-                                 .toUtf8());
+  const QString outer =
+      script("outer.py", QStringLiteral("import zut\n"
+                                        "out = zut.script.sys.execute_script(file=%1, parameters={'level': 2},"
+                                        " collect_stdout=True)\n"
+                                        "print('outer got', repr(out))\n")
+                             .arg(QStringLiteral("'%1'").arg(inner))
+                             .toUtf8());
   CommandParameters parameters = fileCall(outer);
   parameters.set(QStringLiteral("collect_stdout"), true);
-  EXPECT_EQ(command("sys.execute_script")->run(parameters, false), QVariant(QStringLiteral("outer got 'inner 2\\n'\n")));
+  EXPECT_EQ(command("sys.execute_script")->run(parameters, false),
+            QVariant(QStringLiteral("outer got 'inner 2\\n'\n")));
   EXPECT_TRUE(GScript::PythonInterpreter::getInterpreterStack().empty());
   EXPECT_EQ(GApp::AppStatusManager::getActiveMenuCommandDepth(), 0u);
 }

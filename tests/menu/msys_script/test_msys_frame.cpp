@@ -1,7 +1,7 @@
-#include <gtest/gtest.h>
-
 #include <QCoreApplication>
 #include <QMenu>
+
+#include <gtest/gtest.h>
 #include <limits>
 
 #include "core/error_message_container.h"
@@ -49,43 +49,43 @@ const char* const STDERR_TEXT = "collect and return stderr output";
 const std::vector<CommandRow>& expectedCommands()
 {
   static const std::vector<CommandRow> rows = {
-    {"sys.delay_script", "Delay script execution", {{"time", Meta::TYPE_DOUBLE, "time to wait in seconds"}}},
-    {"sys.show_script_editor", "Edit Script", {}},
-    {"sys.execute_script",
-     "Execute Script",
-     {{"file", Meta::TYPE_FILE, "file name"},
-      {"parameters", Meta::TYPE_PARAMETER_MAP, "parameters"},
-      {"collect_stdout", Meta::TYPE_BOOLEAN, STDOUT_TEXT},
-      {"collect_stderr", Meta::TYPE_BOOLEAN, STDERR_TEXT}}},
-    {"sys.execute_python_code",
-     "execute python code",
-     {{"code", Meta::TYPE_STRING, "code"},
-      {"parameters", Meta::TYPE_PARAMETER_MAP, "parameters"},
-      {"collect_stdout", Meta::TYPE_BOOLEAN, STDOUT_TEXT},
-      {"collect_stderr", Meta::TYPE_BOOLEAN, STDERR_TEXT}}},
-    {"sys.import_script",
-     "Import Script",
-     {{"files", Meta::TYPE_LIST, "file names of scripts to import"},
-      {"names", Meta::TYPE_LIST, "names of scripts resulting from the import"},
-      {"config_level", Meta::TYPE_CONFIG_LEVEL, "config level where the scripts are stored"},
-      {"display_names", Meta::TYPE_LIST, "display names of the imported scripts"},
-      {"replace_existing_scripts", Meta::TYPE_BOOLEAN, "whether existing scripts should be overwritten"}}},
-    {"sys.export_script", "Export Script", {{"file", Meta::TYPE_FILE, "file name of the created script archive"}}},
-    {"sys.import_script_archive",
-     "Import Script Archive",
-     {{"file", Meta::TYPE_FILE, "file name of the imported script archive"}}},
-    {"sys.export_script_archive",
-     "Export Script Archive",
-     {{"file", Meta::TYPE_FILE, "file name of the created script archive"},
-      {"names", Meta::TYPE_LIST, "names of scripts to export"}}},
-    {"sys.set_test_timeout", "set timeout for script tests", {{"timeout", Meta::TYPE_DOUBLE, "timeout in seconds"}}},
-    {"sys.create_user_defined_dialog", "Create User-Defined Dialog", {{"content", Meta::TYPE_STRING, nullptr}}},
-    {"sys.execute_user_defined_dialog", "Executing user-defined dialog", {{"content", Meta::TYPE_STRING, nullptr}}},
-    {"sys.show_user_defined_dialog", "Show User-Defined Dialog", {{"dialog", Meta::TYPE_OBJECT, nullptr}}},
-    {"sys.open_user_defined_dialog", "Open User-Defined Dialog", {{"dialog", Meta::TYPE_OBJECT, nullptr}}},
-    {"sys.close_user_defined_dialog",
-     "Close User-Defined Dialog",
-     {{"dialog", Meta::TYPE_OBJECT, nullptr}, {"result", Meta::TYPE_ANY, nullptr}}},
+      {"sys.delay_script", "Delay script execution", {{"time", Meta::TYPE_DOUBLE, "time to wait in seconds"}}},
+      {"sys.show_script_editor", "Edit Script", {}},
+      {"sys.execute_script",
+       "Execute Script",
+       {{"file", Meta::TYPE_FILE, "file name"},
+        {"parameters", Meta::TYPE_PARAMETER_MAP, "parameters"},
+        {"collect_stdout", Meta::TYPE_BOOLEAN, STDOUT_TEXT},
+        {"collect_stderr", Meta::TYPE_BOOLEAN, STDERR_TEXT}}},
+      {"sys.execute_python_code",
+       "execute python code",
+       {{"code", Meta::TYPE_STRING, "code"},
+        {"parameters", Meta::TYPE_PARAMETER_MAP, "parameters"},
+        {"collect_stdout", Meta::TYPE_BOOLEAN, STDOUT_TEXT},
+        {"collect_stderr", Meta::TYPE_BOOLEAN, STDERR_TEXT}}},
+      {"sys.import_script",
+       "Import Script",
+       {{"files", Meta::TYPE_LIST, "file names of scripts to import"},
+        {"names", Meta::TYPE_LIST, "names of scripts resulting from the import"},
+        {"config_level", Meta::TYPE_CONFIG_LEVEL, "config level where the scripts are stored"},
+        {"display_names", Meta::TYPE_LIST, "display names of the imported scripts"},
+        {"replace_existing_scripts", Meta::TYPE_BOOLEAN, "whether existing scripts should be overwritten"}}},
+      {"sys.export_script", "Export Script", {{"file", Meta::TYPE_FILE, "file name of the created script archive"}}},
+      {"sys.import_script_archive",
+       "Import Script Archive",
+       {{"file", Meta::TYPE_FILE, "file name of the imported script archive"}}},
+      {"sys.export_script_archive",
+       "Export Script Archive",
+       {{"file", Meta::TYPE_FILE, "file name of the created script archive"},
+        {"names", Meta::TYPE_LIST, "names of scripts to export"}}},
+      {"sys.set_test_timeout", "set timeout for script tests", {{"timeout", Meta::TYPE_DOUBLE, "timeout in seconds"}}},
+      {"sys.create_user_defined_dialog", "Create User-Defined Dialog", {{"content", Meta::TYPE_STRING, nullptr}}},
+      {"sys.execute_user_defined_dialog", "Executing user-defined dialog", {{"content", Meta::TYPE_STRING, nullptr}}},
+      {"sys.show_user_defined_dialog", "Show User-Defined Dialog", {{"dialog", Meta::TYPE_OBJECT, nullptr}}},
+      {"sys.open_user_defined_dialog", "Open User-Defined Dialog", {{"dialog", Meta::TYPE_OBJECT, nullptr}}},
+      {"sys.close_user_defined_dialog",
+       "Close User-Defined Dialog",
+       {{"dialog", Meta::TYPE_OBJECT, nullptr}, {"result", Meta::TYPE_ANY, nullptr}}},
   };
   return rows;
 }
@@ -118,42 +118,44 @@ TEST_F(ModuleTest, RegistersTheFourteenCommandsInOrderWithTitlesAndArguments)
 
 TEST_F(ModuleTest, LeavesCommandsOfOtherModulesUnregistered)
 {
-  for (const char* name : {"sys.execute_shell_command", "sys.get_value", "sys.show_command_history", "test.script_test",
-                           "show_break_dialog", "show_info_dialog", "get_info_dialog_result", "close_info_dialog",
-                           "show_test_dialog", "get_test_dialog_result", "wait_for_test_dialog", "close_test_dialog",
-                           "show_input_dialog"})
+  for (const char* name :
+       {"sys.execute_shell_command", "sys.get_value", "sys.show_command_history", "test.script_test",
+        "show_break_dialog", "show_info_dialog", "get_info_dialog_result", "close_info_dialog", "show_test_dialog",
+        "get_test_dialog_result", "wait_for_test_dialog", "close_test_dialog", "show_input_dialog"})
     EXPECT_EQ(GApp::CommandContainer::getInstance().getCommand(QString::fromLatin1(name)), nullptr) << name;
 }
 
 TEST_F(ModuleTest, EditorAndExecuteHaveMenuTitlesOfTheirOwn)
 {
   auto& container = GApp::CommandContainer::getInstance();
-  EXPECT_EQ(container.getCommand(QStringLiteral("sys.show_script_editor"))->getMenuTitle(), QStringLiteral("Edit Script"));
-  EXPECT_EQ(container.getCommand(QStringLiteral("sys.execute_script"))->getMenuTitle(), QStringLiteral("Execute Script"));
+  EXPECT_EQ(container.getCommand(QStringLiteral("sys.show_script_editor"))->getMenuTitle(),
+            QStringLiteral("Edit Script"));
+  EXPECT_EQ(container.getCommand(QStringLiteral("sys.execute_script"))->getMenuTitle(),
+            QStringLiteral("Execute Script"));
 }
 
 TEST_F(ModuleTest, RegistersTheNineteenErrorCodesInTranslationIdOrder)
 {
   const std::vector<std::pair<const char*, const char*>> expected = {
-    {"MSysScriptErr-0001", "Error loading script database"},
-    {"MSysScriptErr-0002", "Error loading script"},
-    {"MSysScriptErr-0003", "Error saving script"},
-    {"MSysScriptErr-0004", "Error executing script"},
-    {"MSysScriptErr-0005", "Error recording script"},
-    {"MSysScriptErr-0006", "Error importing script"},
-    {"MSysScriptErr-0007", "Error exporting script"},
-    {"MSysScriptErr-0015", "Error importing script archive"},
-    {"MSysScriptErr-0016", "Error exporting script archive"},
-    {"MSysScriptErr-0008", "Exiting not possible"},
-    {"MSysScriptErr-0009", "Parsing script failed"},
-    {"MSysScriptErr-0010", "Parsing parameters failed"},
-    {"MSysScriptErr-0011", "Resolving item failed"},
-    {"MSysScriptErr-0012", "Script generation failed"},
-    {"MSysScriptErr-0013", "Maximum recursion depth exceeded"},
-    {"MSysScriptErr-0014", "Script cannot be locked"},
-    {"MSysScriptErr-0017", "Cannot load the image."},
-    {"MSysScriptErr-0018", "Cannot access the dialog template database."},
-    {"MSysScriptErr-0019", "Cannot save the file."},
+      {"MSysScriptErr-0001", "Error loading script database"},
+      {"MSysScriptErr-0002", "Error loading script"},
+      {"MSysScriptErr-0003", "Error saving script"},
+      {"MSysScriptErr-0004", "Error executing script"},
+      {"MSysScriptErr-0005", "Error recording script"},
+      {"MSysScriptErr-0006", "Error importing script"},
+      {"MSysScriptErr-0007", "Error exporting script"},
+      {"MSysScriptErr-0015", "Error importing script archive"},
+      {"MSysScriptErr-0016", "Error exporting script archive"},
+      {"MSysScriptErr-0008", "Exiting not possible"},
+      {"MSysScriptErr-0009", "Parsing script failed"},
+      {"MSysScriptErr-0010", "Parsing parameters failed"},
+      {"MSysScriptErr-0011", "Resolving item failed"},
+      {"MSysScriptErr-0012", "Script generation failed"},
+      {"MSysScriptErr-0013", "Maximum recursion depth exceeded"},
+      {"MSysScriptErr-0014", "Script cannot be locked"},
+      {"MSysScriptErr-0017", "Cannot load the image."},
+      {"MSysScriptErr-0018", "Cannot access the dialog template database."},
+      {"MSysScriptErr-0019", "Cannot save the file."},
   };
   QStringList module_codes;
   for (const QString& code : ErrorMessageContainer::getCodes())
@@ -185,61 +187,64 @@ TEST(ModuleConfiguration, FreshConfigurationHasTheDeclaredItemsAndDefaultsInOrde
   const qlonglong max_int = std::numeric_limits<int>::max();
   const QVariant none;
   const std::vector<ConfigRow> rows = {
-    {"MSysScript", CfgType::Node, "", none, none, none},
-    {"MSysScript/TabWidth", CfgType::UInt, "", qlonglong(1), qlonglong(32), qlonglong(4)},
-    {"MSysScript/ShowTabs", CfgType::Bool, "", none, none, false},
-    {"MSysScript/EditorDialog", CfgType::Node, "node: editor dialog", none, none, none},
-    {"MSysScript/EditorDialog/Size", CfgType::IntArray, "node: current editor size", qlonglong(0), max_int,
-     QVariantList{qlonglong(500), qlonglong(0)}},
-    {"MSysScript/EditorDialog/Splitter", CfgType::Double, "editor dialog: current splitter position", 0.0, 1.0, 0.75},
-    {"MSysScript/SourceEditor", CfgType::Node, "Source Editor", none, none, none},
-    {"MSysScript/HideWhenRecording", CfgType::Bool, "hide editor when recording", none, none, true},
-    {"MSysScript/SourceEditor/Splitter", CfgType::Double, "editor: current splitter position", 0.0, 1.0, 0.75},
-    {"MSysScript/Export", CfgType::Node, "node: export", none, none, none},
-    {"MSysScript/Export/ExportedNames", CfgType::StringVector, "export: exported names", none, none, QStringList()},
-    {"MSysScript/BreakDialog", CfgType::Node, "node: break dialog", none, none, none},
-    {"MSysScript/BreakDialog/Timeout", CfgType::UnitValue, "Timeout", 1.0, max_double, 10.0},
-    {"MSysScript/DialogEditor", CfgType::Node, "Dialog editor", none, none, none},
-    {"MSysScript/DialogEditor/Width", CfgType::Int, "Dialog editor width", qlonglong(-1), max_int, qlonglong(-1)},
-    {"MSysScript/DialogEditor/Height", CfgType::Int, "Dialog editor height", qlonglong(-1), max_int, qlonglong(-1)},
-    {"MSysScript/DialogEditor/SplitterPosition", CfgType::DoubleArray, "Dialog editor splitter position", 0.0, 1.0,
-     QVariantList{0.0, 0.0, 0.0}},
-    {"MSysScript/NumberWidget", CfgType::Node, "Number widget", none, none, none},
-    {"MSysScript/NumberWidget/Default", CfgType::Double, "Number widget: Default", -max_double, max_double, 0.0},
-    {"MSysScript/NumberWidget/Minimum", CfgType::Double, "Number widget: Minimum", -max_double, max_double, 0.0},
-    {"MSysScript/NumberWidget/Maximum", CfgType::Double, "Number widget: Maximum", -max_double, max_double, 1000.0},
-    {"MSysScript/NumberWidget/Precision", CfgType::Int, "Number widget: Precision", qlonglong(0), qlonglong(100),
-     qlonglong(2)},
-    {"MSysScript/IntegerWidget", CfgType::Node, "Integer widget", none, none, none},
-    {"MSysScript/IntegerWidget/Default", CfgType::Double, "Integer widget: Default", -max_double, max_double, 0.0},
-    {"MSysScript/IntegerWidget/Minimum", CfgType::Double, "Integer widget: Minimum", -max_double, max_double, 0.0},
-    {"MSysScript/IntegerWidget/Maximum", CfgType::Double, "Integer widget: Maximum", -max_double, max_double, 1000.0},
-    {"MSysScript/SliderWidget", CfgType::Node, "Slider widget", none, none, none},
-    {"MSysScript/SliderWidget/Default", CfgType::Double, "Slider widget: Default", -max_double, max_double, 0.0},
-    {"MSysScript/SliderWidget/Minimum", CfgType::Double, "Slider widget: Minimum", -max_double, max_double, 0.0},
-    {"MSysScript/SliderWidget/Maximum", CfgType::Double, "Slider widget: Maximum", -max_double, max_double, 100.0},
-    {"MSysScript/SliderWidget/Precision", CfgType::Int, "Slider widget: Precision", qlonglong(0), qlonglong(100),
-     qlonglong(2)},
-    {"MSysScript/SliderWidget/Step", CfgType::Double, "Slider widget: Step", -max_double, max_double, 1.0},
-    {"MSysScript/SliderWidget/TickInterval", CfgType::Double, "Slider widget: Tick interval", -max_double, max_double,
-     10.0},
-    {"MSysScript/ScriptDialogSelectTemplate", CfgType::Node, "Select script dialog template", none, none, none},
-    {"MSysScript/ScriptDialogSelectTemplate/CommandMode", CfgType::Choice, "Script dialog command mode", none, none, 0},
-    {"MSysScript/UpdateScriptDialog", CfgType::Node, "Update script dialog", none, none, none},
-    {"MSysScript/UpdateScriptDialog/Width", CfgType::Int, "Update script dialog: Width", qlonglong(-1), max_int,
-     qlonglong(640)},
-    {"MSysScript/UpdateScriptDialog/Height", CfgType::Int, "Update script dialog: Height", qlonglong(-1), max_int,
-     qlonglong(480)},
-    {"MSysScript/UpdateScriptDialog/Splitter", CfgType::Double, "Update script dialog: Splitter position", 0.0, 1.0, 0.5},
-    {"MSysScript/UpdateScriptDialog/Backup", CfgType::Bool, "Update script dialog: Backup original script", none, none,
-     true},
-    {"MSysScript/ScriptDialogTemplateDatabase", CfgType::Node, "script dialog template database", none, none, none},
-    {"MSysScript/ScriptDialogTemplateDatabase/InvisibleTemplates", CfgType::StringVector, "", none, none, QStringList()},
-    {"MSysScript/ListEditorDialog", CfgType::Node, "List editor dialog", none, none, none},
-    {"MSysScript/ListEditorDialog/Width", CfgType::Int, "List editor dialog: Width", qlonglong(-1), max_int,
-     qlonglong(-1)},
-    {"MSysScript/ListEditorDialog/Height", CfgType::Int, "List editor dialog: Height", qlonglong(-1), max_int,
-     qlonglong(-1)},
+      {"MSysScript", CfgType::Node, "", none, none, none},
+      {"MSysScript/TabWidth", CfgType::UInt, "", qlonglong(1), qlonglong(32), qlonglong(4)},
+      {"MSysScript/ShowTabs", CfgType::Bool, "", none, none, false},
+      {"MSysScript/EditorDialog", CfgType::Node, "node: editor dialog", none, none, none},
+      {"MSysScript/EditorDialog/Size", CfgType::IntArray, "node: current editor size", qlonglong(0), max_int,
+       QVariantList{qlonglong(500), qlonglong(0)}},
+      {"MSysScript/EditorDialog/Splitter", CfgType::Double, "editor dialog: current splitter position", 0.0, 1.0, 0.75},
+      {"MSysScript/SourceEditor", CfgType::Node, "Source Editor", none, none, none},
+      {"MSysScript/HideWhenRecording", CfgType::Bool, "hide editor when recording", none, none, true},
+      {"MSysScript/SourceEditor/Splitter", CfgType::Double, "editor: current splitter position", 0.0, 1.0, 0.75},
+      {"MSysScript/Export", CfgType::Node, "node: export", none, none, none},
+      {"MSysScript/Export/ExportedNames", CfgType::StringVector, "export: exported names", none, none, QStringList()},
+      {"MSysScript/BreakDialog", CfgType::Node, "node: break dialog", none, none, none},
+      {"MSysScript/BreakDialog/Timeout", CfgType::UnitValue, "Timeout", 1.0, max_double, 10.0},
+      {"MSysScript/DialogEditor", CfgType::Node, "Dialog editor", none, none, none},
+      {"MSysScript/DialogEditor/Width", CfgType::Int, "Dialog editor width", qlonglong(-1), max_int, qlonglong(-1)},
+      {"MSysScript/DialogEditor/Height", CfgType::Int, "Dialog editor height", qlonglong(-1), max_int, qlonglong(-1)},
+      {"MSysScript/DialogEditor/SplitterPosition", CfgType::DoubleArray, "Dialog editor splitter position", 0.0, 1.0,
+       QVariantList{0.0, 0.0, 0.0}},
+      {"MSysScript/NumberWidget", CfgType::Node, "Number widget", none, none, none},
+      {"MSysScript/NumberWidget/Default", CfgType::Double, "Number widget: Default", -max_double, max_double, 0.0},
+      {"MSysScript/NumberWidget/Minimum", CfgType::Double, "Number widget: Minimum", -max_double, max_double, 0.0},
+      {"MSysScript/NumberWidget/Maximum", CfgType::Double, "Number widget: Maximum", -max_double, max_double, 1000.0},
+      {"MSysScript/NumberWidget/Precision", CfgType::Int, "Number widget: Precision", qlonglong(0), qlonglong(100),
+       qlonglong(2)},
+      {"MSysScript/IntegerWidget", CfgType::Node, "Integer widget", none, none, none},
+      {"MSysScript/IntegerWidget/Default", CfgType::Double, "Integer widget: Default", -max_double, max_double, 0.0},
+      {"MSysScript/IntegerWidget/Minimum", CfgType::Double, "Integer widget: Minimum", -max_double, max_double, 0.0},
+      {"MSysScript/IntegerWidget/Maximum", CfgType::Double, "Integer widget: Maximum", -max_double, max_double, 1000.0},
+      {"MSysScript/SliderWidget", CfgType::Node, "Slider widget", none, none, none},
+      {"MSysScript/SliderWidget/Default", CfgType::Double, "Slider widget: Default", -max_double, max_double, 0.0},
+      {"MSysScript/SliderWidget/Minimum", CfgType::Double, "Slider widget: Minimum", -max_double, max_double, 0.0},
+      {"MSysScript/SliderWidget/Maximum", CfgType::Double, "Slider widget: Maximum", -max_double, max_double, 100.0},
+      {"MSysScript/SliderWidget/Precision", CfgType::Int, "Slider widget: Precision", qlonglong(0), qlonglong(100),
+       qlonglong(2)},
+      {"MSysScript/SliderWidget/Step", CfgType::Double, "Slider widget: Step", -max_double, max_double, 1.0},
+      {"MSysScript/SliderWidget/TickInterval", CfgType::Double, "Slider widget: Tick interval", -max_double, max_double,
+       10.0},
+      {"MSysScript/ScriptDialogSelectTemplate", CfgType::Node, "Select script dialog template", none, none, none},
+      {"MSysScript/ScriptDialogSelectTemplate/CommandMode", CfgType::Choice, "Script dialog command mode", none, none,
+       0},
+      {"MSysScript/UpdateScriptDialog", CfgType::Node, "Update script dialog", none, none, none},
+      {"MSysScript/UpdateScriptDialog/Width", CfgType::Int, "Update script dialog: Width", qlonglong(-1), max_int,
+       qlonglong(640)},
+      {"MSysScript/UpdateScriptDialog/Height", CfgType::Int, "Update script dialog: Height", qlonglong(-1), max_int,
+       qlonglong(480)},
+      {"MSysScript/UpdateScriptDialog/Splitter", CfgType::Double, "Update script dialog: Splitter position", 0.0, 1.0,
+       0.5},
+      {"MSysScript/UpdateScriptDialog/Backup", CfgType::Bool, "Update script dialog: Backup original script", none,
+       none, true},
+      {"MSysScript/ScriptDialogTemplateDatabase", CfgType::Node, "script dialog template database", none, none, none},
+      {"MSysScript/ScriptDialogTemplateDatabase/InvisibleTemplates", CfgType::StringVector, "", none, none,
+       QStringList()},
+      {"MSysScript/ListEditorDialog", CfgType::Node, "List editor dialog", none, none, none},
+      {"MSysScript/ListEditorDialog/Width", CfgType::Int, "List editor dialog: Width", qlonglong(-1), max_int,
+       qlonglong(-1)},
+      {"MSysScript/ListEditorDialog/Height", CfgType::Int, "List editor dialog: Height", qlonglong(-1), max_int,
+       qlonglong(-1)},
   };
 
   Cfg cfg(QStringLiteral("/nonexistent/config.json"));
@@ -330,14 +335,15 @@ TEST_F(ModuleTest, ExitNotifierAsksOnlyInKioskModeAndNotWhenSilent)
 
 TEST_F(ModuleTest, PlaceholderCommandsFailClearly)
 {
-  for (const char* name : {"sys.show_script_editor", "sys.import_script", "sys.export_script_archive",
-                           "sys.close_user_defined_dialog"}) {
+  for (const char* name :
+       {"sys.show_script_editor", "sys.import_script", "sys.export_script_archive", "sys.close_user_defined_dialog"}) {
     GApp::Command* command = GApp::CommandContainer::getInstance().getCommand(QString::fromLatin1(name));
     try {
       command->run(GApp::CommandParameters(), false);
       FAIL() << name << " ran";
     } catch (const GApp::CommandError& error) {
-      EXPECT_EQ(error.getLog().getText(), QStringLiteral("The command '%1' is not available yet.").arg(QLatin1String(name)));
+      EXPECT_EQ(error.getLog().getText(),
+                QStringLiteral("The command '%1' is not available yet.").arg(QLatin1String(name)));
     }
   }
 }

@@ -1,10 +1,10 @@
-#include <gtest/gtest.h>
-
 #include <QDir>
 #include <QFile>
 #include <QJsonDocument>
 #include <QJsonObject>
 #include <QTemporaryDir>
+
+#include <gtest/gtest.h>
 #include <limits>
 
 #include "cfg/cfg.h"
@@ -50,8 +50,7 @@ struct SetCase
 };
 
 class CfgSetValue : public ::testing::TestWithParam<SetCase>
-{
-};
+{};
 
 TEST_P(CfgSetValue, EnforcesTypeRangeStepAndDecimals)
 {
@@ -73,24 +72,24 @@ TEST_P(CfgSetValue, EnforcesTypeRangeStepAndDecimals)
 }
 
 INSTANTIATE_TEST_SUITE_P(
-  Items, CfgSetValue,
-  ::testing::Values(SetCase{"T/Bool", false, true, false}, SetCase{"T/Bool", 1, false, {}},
-                    SetCase{"T/UInt", 32, true, qlonglong(32)}, SetCase{"T/UInt", 33, false, {}},
-                    SetCase{"T/UInt", 0, false, {}}, SetCase{"T/UInt", 2.5, false, {}},
-                    SetCase{"T/UInt", QStringLiteral("4"), false, {}}, SetCase{"T/Even", -10, true, qlonglong(-10)},
-                    SetCase{"T/Even", 3, false, {}}, SetCase{"T/Double", 0.126, true, 0.13},
-                    SetCase{"T/Double", 1.2, false, {}}, SetCase{"T/Double", 1, true, 1.0},
-                    SetCase{"T/IntArray", QVariantList{1, 2}, true, QVariantList{qlonglong(1), qlonglong(2)}},
-                    SetCase{"T/IntArray", QVariantList{1, 2, 3}, false, {}},
-                    SetCase{"T/IntArray", QVariantList{1, -2}, false, {}},
-                    SetCase{"T/DoubleArray", QVariantList{0.5, 0.25, 1}, true, QVariantList{0.5, 0.25, 1.0}},
-                    SetCase{"T/DoubleArray", QVariantList{0.5}, false, {}}, SetCase{"T/Time", 0.5, false, {}},
-                    SetCase{"T/Time", 2.25, true, 2.3}, SetCase{"T/Choice", QStringLiteral("Open/Close"), true, 2},
-                    SetCase{"T/Choice", 1, true, 1}, SetCase{"T/Choice", 3, false, {}},
-                    SetCase{"T/Choice", QStringLiteral("Close"), false, {}},
-                    SetCase{"T/Names", QStringList{QStringLiteral("x"), QStringLiteral("y")}, true,
-                            QStringList{QStringLiteral("x"), QStringLiteral("y")}},
-                    SetCase{"T/Names", QVariantList{1}, false, {}}, SetCase{"T/Unknown", 1, false, {}}));
+    Items, CfgSetValue,
+    ::testing::Values(SetCase{"T/Bool", false, true, false}, SetCase{"T/Bool", 1, false, {}},
+                      SetCase{"T/UInt", 32, true, qlonglong(32)}, SetCase{"T/UInt", 33, false, {}},
+                      SetCase{"T/UInt", 0, false, {}}, SetCase{"T/UInt", 2.5, false, {}},
+                      SetCase{"T/UInt", QStringLiteral("4"), false, {}}, SetCase{"T/Even", -10, true, qlonglong(-10)},
+                      SetCase{"T/Even", 3, false, {}}, SetCase{"T/Double", 0.126, true, 0.13},
+                      SetCase{"T/Double", 1.2, false, {}}, SetCase{"T/Double", 1, true, 1.0},
+                      SetCase{"T/IntArray", QVariantList{1, 2}, true, QVariantList{qlonglong(1), qlonglong(2)}},
+                      SetCase{"T/IntArray", QVariantList{1, 2, 3}, false, {}},
+                      SetCase{"T/IntArray", QVariantList{1, -2}, false, {}},
+                      SetCase{"T/DoubleArray", QVariantList{0.5, 0.25, 1}, true, QVariantList{0.5, 0.25, 1.0}},
+                      SetCase{"T/DoubleArray", QVariantList{0.5}, false, {}}, SetCase{"T/Time", 0.5, false, {}},
+                      SetCase{"T/Time", 2.25, true, 2.3}, SetCase{"T/Choice", QStringLiteral("Open/Close"), true, 2},
+                      SetCase{"T/Choice", 1, true, 1}, SetCase{"T/Choice", 3, false, {}},
+                      SetCase{"T/Choice", QStringLiteral("Close"), false, {}},
+                      SetCase{"T/Names", QStringList{QStringLiteral("x"), QStringLiteral("y")}, true,
+                              QStringList{QStringLiteral("x"), QStringLiteral("y")}},
+                      SetCase{"T/Names", QVariantList{1}, false, {}}, SetCase{"T/Unknown", 1, false, {}}));
 
 TEST(CfgDeclaration, MisuseIsAProgramError)
 {
@@ -137,7 +136,8 @@ TEST_F(CfgTest, ValuesSurviveARestartWhicheverComesFirstFileOrDeclaration)
     }
     EXPECT_EQ(cfg.root()->getUInt(QStringLiteral("T/UInt")), 8u);
     EXPECT_EQ(cfg.root()->getChoiceIndex(QStringLiteral("T/Choice")), 1);
-    EXPECT_EQ(cfg.root()->getStringVector(QStringLiteral("T/Names")), (QStringList{QStringLiteral("Grüße"), QString()}));
+    EXPECT_EQ(cfg.root()->getStringVector(QStringLiteral("T/Names")),
+              (QStringList{QStringLiteral("Grüße"), QString()}));
     EXPECT_EQ(cfg.root()->getDoubleArray(QStringLiteral("T/DoubleArray")), (QList<double>{0.1, 0.2, 0.3}));
     EXPECT_TRUE(cfg.takeProblems().isEmpty());
   }
@@ -175,7 +175,8 @@ TEST_F(CfgTest, DamagedFileIsKeptAsideReportedAndDefaultsStay)
     ASSERT_TRUE(cfg.save());
   }
   // Both damaged files are kept, the second under a name of its own.
-  const QStringList kept = QDir(dir.filePath(QStringLiteral("zut"))).entryList({QStringLiteral("config.json.damaged*")});
+  const QStringList kept =
+      QDir(dir.filePath(QStringLiteral("zut"))).entryList({QStringLiteral("config.json.damaged*")});
   ASSERT_EQ(kept.size(), 2);
   for (const QString& name : kept)
     EXPECT_EQ(readFile(dir.filePath(QStringLiteral("zut/") + name)), damaged);
@@ -207,8 +208,7 @@ struct TextCase
 };
 
 class CfgText : public ::testing::TestWithParam<TextCase>
-{
-};
+{};
 
 TEST_P(CfgText, ReadsWhatAUserTypes)
 {
@@ -223,11 +223,12 @@ TEST_P(CfgText, ReadsWhatAUserTypes)
 }
 
 INSTANTIATE_TEST_SUITE_P(
-  Items, CfgText,
-  ::testing::Values(TextCase{"T/Bool", "false", true, "false"}, TextCase{"T/Bool", "yes", false, ""},
-                    TextCase{"T/UInt", " 8 ", true, "8"}, TextCase{"T/UInt", "eight", false, ""},
-                    TextCase{"T/Double", "0.5", true, "0.5"}, TextCase{"T/IntArray", "[640, 480]", true, "[640,480]"},
-                    TextCase{"T/IntArray", "640, 480", true, "[640,480]"}, TextCase{"T/Time", "2", true, "2 s"},
-                    TextCase{"T/Choice", "Open/Close", true, "Open/Close"}, TextCase{"T/Choice", "1", true, "Create/Show"},
-                    TextCase{"T/Names", "a, b c", true, "[\"a\",\"b c\"]"},
-                    TextCase{"T/Names", "[\"1\", \"2\"]", true, "[\"1\",\"2\"]"}));
+    Items, CfgText,
+    ::testing::Values(TextCase{"T/Bool", "false", true, "false"}, TextCase{"T/Bool", "yes", false, ""},
+                      TextCase{"T/UInt", " 8 ", true, "8"}, TextCase{"T/UInt", "eight", false, ""},
+                      TextCase{"T/Double", "0.5", true, "0.5"}, TextCase{"T/IntArray", "[640, 480]", true, "[640,480]"},
+                      TextCase{"T/IntArray", "640, 480", true, "[640,480]"}, TextCase{"T/Time", "2", true, "2 s"},
+                      TextCase{"T/Choice", "Open/Close", true, "Open/Close"},
+                      TextCase{"T/Choice", "1", true, "Create/Show"},
+                      TextCase{"T/Names", "a, b c", true, "[\"a\",\"b c\"]"},
+                      TextCase{"T/Names", "[\"1\", \"2\"]", true, "[\"1\",\"2\"]"}));

@@ -1,9 +1,9 @@
-#include <gtest/gtest.h>
-
 #include <QCoreApplication>
 #include <QLocale>
 #include <QVariant>
+
 #include <cmath>
+#include <gtest/gtest.h>
 
 #include "core/color.h"
 #include "core/error_message_container.h"
@@ -21,8 +21,7 @@ struct QuoteCase
 };
 
 class QuotePythonString : public ::testing::TestWithParam<QuoteCase>
-{
-};
+{};
 
 TEST_P(QuotePythonString, MatchesPythonRepr)
 {
@@ -31,8 +30,10 @@ TEST_P(QuotePythonString, MatchesPythonRepr)
 
 INSTANTIATE_TEST_SUITE_P(Texts, QuotePythonString,
                          ::testing::Values(QuoteCase{"", "''"}, QuoteCase{"abc", "'abc'"},
-                                           QuoteCase{"it's", "\"it's\""}, QuoteCase{"both ' and \"", "'both \\' and \"'"},
-                                           QuoteCase{"a\\b", "'a\\\\b'"}, QuoteCase{"line\nnext\ttab", "'line\\nnext\\ttab'"},
+                                           QuoteCase{"it's", "\"it's\""},
+                                           QuoteCase{"both ' and \"", "'both \\' and \"'"},
+                                           QuoteCase{"a\\b", "'a\\\\b'"},
+                                           QuoteCase{"line\nnext\ttab", "'line\\nnext\\ttab'"},
                                            QuoteCase{"\x01", "'\\x01'"}, QuoteCase{"Grüße", "'Grüße'"}));
 
 TEST(Color, TextFormRoundTripsAndRejectsGarbage)
@@ -101,7 +102,8 @@ TEST(Translate, UsesTheInstalledCatalogueAndFallsBackToEnglish)
   QLocale::setDefault(QLocale(QLocale::German, QLocale::Germany));
   ASSERT_TRUE(installTranslator(QStringLiteral("VelMSysScript")));
   QLocale::setDefault(QLocale::c());
-  EXPECT_EQ(translate("MSysScript_err", "Error loading script", "id=10156"), QStringLiteral("Fehler beim Laden des Skripts"));
+  EXPECT_EQ(translate("MSysScript_err", "Error loading script", "id=10156"),
+            QStringLiteral("Fehler beim Laden des Skripts"));
   EXPECT_EQ(translate("MSysScript_err", "Not in the catalogue", "id=2"), QStringLiteral("Not in the catalogue"));
   EXPECT_FALSE(installTranslator(QStringLiteral("NoSuchCatalogue")));
 }

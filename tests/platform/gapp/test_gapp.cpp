@@ -1,6 +1,6 @@
-#include <gtest/gtest.h>
-
 #include <QMenu>
+
+#include <gtest/gtest.h>
 #include <memory>
 
 #include "core/prog_error.h"
@@ -69,8 +69,7 @@ struct ConversionCase
 };
 
 class TraitConversion : public ::testing::TestWithParam<ConversionCase>
-{
-};
+{};
 
 TEST_P(TraitConversion, ConvertsOnlyWithoutLosingMeaning)
 {
@@ -83,22 +82,22 @@ TEST_P(TraitConversion, ConvertsOnlyWithoutLosingMeaning)
 }
 
 INSTANTIATE_TEST_SUITE_P(
-  Values, TraitConversion,
-  ::testing::Values(ConversionCase{true, QMetaType::Bool, true, true},
-                    ConversionCase{qlonglong(1), QMetaType::Bool, false, {}},
-                    ConversionCase{qlonglong(3), QMetaType::Double, true, 3.0},
-                    ConversionCase{3.0, QMetaType::Int, true, 3}, ConversionCase{3.5, QMetaType::Int, false, {}},
-                    ConversionCase{qlonglong(1) << 40, QMetaType::Int, false, {}},
-                    ConversionCase{QStringLiteral("3"), QMetaType::Double, false, {}},
-                    ConversionCase{QStringLiteral("a.py"), QMetaType::QString, true, QStringLiteral("a.py")},
-                    ConversionCase{qlonglong(1), QMetaType::QString, false, {}},
-                    ConversionCase{QVariantList{QStringLiteral("a")}, QMetaType::QStringList, true,
-                                   QStringList{QStringLiteral("a")}},
-                    ConversionCase{QVariantList{1}, QMetaType::QStringList, false, {}},
-                    ConversionCase{QVariantMap{{QStringLiteral("a"), 1}}, QMetaType::QVariantMap, true,
-                                   QVariantMap{{QStringLiteral("a"), 1}}},
-                    ConversionCase{QVariantList{}, QMetaType::QVariantMap, false, {}},
-                    ConversionCase{QVariant(), QMetaType::QString, false, {}}));
+    Values, TraitConversion,
+    ::testing::Values(ConversionCase{true, QMetaType::Bool, true, true},
+                      ConversionCase{qlonglong(1), QMetaType::Bool, false, {}},
+                      ConversionCase{qlonglong(3), QMetaType::Double, true, 3.0},
+                      ConversionCase{3.0, QMetaType::Int, true, 3}, ConversionCase{3.5, QMetaType::Int, false, {}},
+                      ConversionCase{qlonglong(1) << 40, QMetaType::Int, false, {}},
+                      ConversionCase{QStringLiteral("3"), QMetaType::Double, false, {}},
+                      ConversionCase{QStringLiteral("a.py"), QMetaType::QString, true, QStringLiteral("a.py")},
+                      ConversionCase{qlonglong(1), QMetaType::QString, false, {}},
+                      ConversionCase{QVariantList{QStringLiteral("a")}, QMetaType::QStringList, true,
+                                     QStringList{QStringLiteral("a")}},
+                      ConversionCase{QVariantList{1}, QMetaType::QStringList, false, {}},
+                      ConversionCase{QVariantMap{{QStringLiteral("a"), 1}}, QMetaType::QVariantMap, true,
+                                     QVariantMap{{QStringLiteral("a"), 1}}},
+                      ConversionCase{QVariantList{}, QMetaType::QVariantMap, false, {}},
+                      ConversionCase{QVariant(), QMetaType::QString, false, {}}));
 
 TEST(Trait, TextNamesAFileAndBack)
 {

@@ -1,8 +1,8 @@
-#include <gtest/gtest.h>
-
 #include <pybind11/embed.h>
 
 #include <QVariant>
+
+#include <gtest/gtest.h>
 #include <vector>
 
 #include "gapp/command.h"
@@ -59,7 +59,7 @@ struct RunResult
 };
 
 RunResult run(const QString& text, const QString& file = QString(), bool collect_out = false, bool collect_err = false,
-        const QMap<QString, QVariant>& parameters = {})
+              const QMap<QString, QVariant>& parameters = {})
 {
   Execute execute(text);
   execute.setFileName(file);
@@ -99,8 +99,9 @@ EchoCommand* GScriptTest::echo = nullptr;
 TEST_F(GScriptTest, EveryRunHasAFreshNamespaceWithItsParameters)
 {
   EXPECT_TRUE(run(QStringLiteral("leftover = 1\nassert __name__ == '__main__'")).ok);
-  const RunResult second = run(QStringLiteral("print(sorted(PARAMETERS.items()), 'leftover' in globals())"), QString(), true,
-                         false, {{QStringLiteral("b"), QVariantList{1, QStringLiteral("x")}}, {QStringLiteral("a"), 2.5}});
+  const RunResult second =
+      run(QStringLiteral("print(sorted(PARAMETERS.items()), 'leftover' in globals())"), QString(), true, false,
+          {{QStringLiteral("b"), QVariantList{1, QStringLiteral("x")}}, {QStringLiteral("a"), 2.5}});
   ASSERT_TRUE(second.ok) << qPrintable(second.log);
   EXPECT_EQ(second.output, QStringLiteral("[('a', 2.5), ('b', [1, 'x'])] False\n"));
   EXPECT_TRUE(run(QStringLiteral("assert PARAMETERS == {}")).ok);
@@ -115,12 +116,14 @@ TEST_F(GScriptTest, CollectsEachStreamOnlyWhenAsked)
   EXPECT_EQ(run(text, QString(), false, false).output, QString());
   // The streams are back after the run, also after a failure.
   run(QStringLiteral("raise ValueError()"), QString(), true, true);
-  EXPECT_TRUE(run(QStringLiteral("import sys\nassert sys.stdout is sys.__stdout__\nassert sys.stderr is sys.__stderr__")).ok);
+  EXPECT_TRUE(
+      run(QStringLiteral("import sys\nassert sys.stdout is sys.__stdout__\nassert sys.stderr is sys.__stderr__")).ok);
 }
 
 TEST_F(GScriptTest, FailureReportsTracebackWithFileAndLine)
 {
-  const RunResult failed = run(QStringLiteral("x = 1\n\ndef f():\n    return 1 / 0\nf()\n"), QStringLiteral("/scripts/calc.py"));
+  const RunResult failed =
+      run(QStringLiteral("x = 1\n\ndef f():\n    return 1 / 0\nf()\n"), QStringLiteral("/scripts/calc.py"));
   EXPECT_FALSE(failed.ok);
   EXPECT_EQ(failed.code, QString::fromLatin1(ERR_SCRIPT_FAILED));
   EXPECT_TRUE(failed.log.contains(QStringLiteral("File \"/scripts/calc.py\", line 4, in f"))) << qPrintable(failed.log);
@@ -143,13 +146,12 @@ TEST_F(GScriptTest, SystemExitEndsTheRunAndOnlyAFailingStatusFails)
 
 TEST_F(GScriptTest, ScriptsCallCommandsWithKeywordsAndGetTheirResults)
 {
-  const RunResult ok = run(QStringLiteral(
-                       "import zut\n"
-                       "print(repr(zut.script.test.echo(value={'a': [1, 2.5, None, True]})))\n"
-                       "print(zut.script.test.echo())\n"
-                       "print(zut.script.test.echo(value='Grüße'))\n"
-                       "print('echo' in dir(zut.script.test), zut.script.test)\n"),
-                     QString(), true);
+  const RunResult ok = run(QStringLiteral("import zut\n"
+                                          "print(repr(zut.script.test.echo(value={'a': [1, 2.5, None, True]})))\n"
+                                          "print(zut.script.test.echo())\n"
+                                          "print(zut.script.test.echo(value='Grüße'))\n"
+                                          "print('echo' in dir(zut.script.test), zut.script.test)\n"),
+                           QString(), true);
   ASSERT_TRUE(ok.ok) << qPrintable(ok.log);
   EXPECT_EQ(ok.output, QStringLiteral("{'a': [1, 2.5, None, True]}\nNone\nGrüße\nTrue <zut.script.test>\n"));
 }
@@ -161,12 +163,13 @@ TEST_F(GScriptTest, MisuseFromPythonRaisesPythonErrors)
     const char* code;
     const char* error;
   };
-  for (const Case& c : {Case{"zut.script.no_such_command", "AttributeError: zut.script has no command 'no_such_command'"},
-                        Case{"zut.script.test()", "AttributeError: zut.script has no command 'test'"},
-                        Case{"zut.script.test.echo(1)", "TypeError: zut.script.test.echo() takes keyword arguments only"},
-                        Case{"zut.script.test.echo(value=object())", "TypeError: cannot pass an object of type 'object'"},
-                        Case{"zut.script.test.echo(value={1: 2})", "TypeError: dictionary keys passed to a command"},
-                        Case{"zut.script.test.echo(value=2**70)", "TypeError: integer too large"}}) {
+  for (const Case& c :
+       {Case{"zut.script.no_such_command", "AttributeError: zut.script has no command 'no_such_command'"},
+        Case{"zut.script.test()", "AttributeError: zut.script has no command 'test'"},
+        Case{"zut.script.test.echo(1)", "TypeError: zut.script.test.echo() takes keyword arguments only"},
+        Case{"zut.script.test.echo(value=object())", "TypeError: cannot pass an object of type 'object'"},
+        Case{"zut.script.test.echo(value={1: 2})", "TypeError: dictionary keys passed to a command"},
+        Case{"zut.script.test.echo(value=2**70)", "TypeError: integer too large"}}) {
     const RunResult failed = run(QStringLiteral("import zut\n") + QString::fromLatin1(c.code));
     EXPECT_FALSE(failed.ok);
     EXPECT_TRUE(failed.log.contains(QString::fromLatin1(c.error))) << c.code << "\n" << qPrintable(failed.log);
@@ -176,11 +179,11 @@ TEST_F(GScriptTest, MisuseFromPythonRaisesPythonErrors)
 TEST_F(GScriptTest, FailingCommandRaisesCommandErrorAndAnUncaughtOneKeepsItsCode)
 {
   const RunResult caught = run(QStringLiteral("import zut\n"
-                                        "try:\n"
-                                        "    zut.script.test.echo(fail=True)\n"
-                                        "except zut.CommandError as e:\n"
-                                        "    print(e.code, repr(e.log))\n"),
-                         QString(), true);
+                                              "try:\n"
+                                              "    zut.script.test.echo(fail=True)\n"
+                                              "except zut.CommandError as e:\n"
+                                              "    print(e.code, repr(e.log))\n"),
+                               QString(), true);
   ASSERT_TRUE(caught.ok) << qPrintable(caught.log);
   EXPECT_EQ(caught.output, QStringLiteral("TestErr-0042 'first line\\nsecond line'\n"));
 
@@ -193,13 +196,13 @@ TEST_F(GScriptTest, FailingCommandRaisesCommandErrorAndAnUncaughtOneKeepsItsCode
 TEST_F(GScriptTest, NestedRunsGrowAndShrinkTheInterpreterStackStrictly)
 {
   nested->depths.clear();
-  const RunResult result = run(QStringLiteral(
-    "import zut\n"
-    "zut.script.test.nested.run(code='import zut\\nzut.script.test.nested.run(code=\"pass\")')\n"
-    "try:\n"
-    "    zut.script.test.nested.run(code='raise KeyError(1)')\n"
-    "except zut.CommandError:\n"
-    "    pass\n"));
+  const RunResult result =
+      run(QStringLiteral("import zut\n"
+                         "zut.script.test.nested.run(code='import zut\\nzut.script.test.nested.run(code=\"pass\")')\n"
+                         "try:\n"
+                         "    zut.script.test.nested.run(code='raise KeyError(1)')\n"
+                         "except zut.CommandError:\n"
+                         "    pass\n"));
   ASSERT_TRUE(result.ok) << qPrintable(result.log);
   // Entry and exit depth of each call, outermost call first in entry order.
   EXPECT_EQ(nested->depths, (std::vector<size_t>{1, 2, 2, 1, 1}));
@@ -209,8 +212,13 @@ TEST_F(GScriptTest, NestedRunsGrowAndShrinkTheInterpreterStackStrictly)
 TEST(PythonValues, RoundTripAndLiterals)
 {
   PythonInterpreter::initialize();
-  const QVariantList values = {QVariant(), true, qlonglong(-3), 1.5, QStringLiteral("ä"),
-                               QVariantList{1, QStringLiteral("x")}, QVariantMap{{QStringLiteral("k"), QVariantList{}}}};
+  const QVariantList values = {QVariant(),
+                               true,
+                               qlonglong(-3),
+                               1.5,
+                               QStringLiteral("ä"),
+                               QVariantList{1, QStringLiteral("x")},
+                               QVariantMap{{QStringLiteral("k"), QVariantList{}}}};
   for (const QVariant& value : values) {
     const QVariant back = toVariant(fromVariant(value));
     EXPECT_EQ(back, value) << qPrintable(PythonInterpreter::repr(value));
