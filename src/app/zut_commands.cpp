@@ -12,6 +12,7 @@
 #include "gapp/command_container.h"
 #include "gapp/trait.h"
 #include "gscript/python_interpreter.h"
+#include "gscript/script_database.h"
 #include "zut_host.h"
 
 namespace {
@@ -242,6 +243,43 @@ int config(ZutHost& host, const QStringList& arguments, bool json)
   return EXIT_OK;
 }
 
+int listScripts(ZutHost&, const QStringList& arguments, bool json)
+{
+  if (!arguments.isEmpty())
+    return usage("scripts", QStringLiteral("unexpected argument '%1'").arg(arguments.first()));
+  static const char* const LEVELS[] = {"system", "public", "user"};
+  Vel::GScript::ScriptDatabase database(nullptr);
+  Vel::ErrorLog log;
+  database.initialize(false, &log);
+  if (!log.isEmpty())
+    printErr(QStringLiteral("zut scripts: %1\n").arg(log.getText()));
+  const auto scripts = database.getAllScripts();
+  if (json) {
+    QJsonArray list;
+    for (const Vel::GScript::Script* script : scripts)
+      list.append(QJsonObject{
+          {QStringLiteral("level"), QString::fromLatin1(LEVELS[script->getConfigLevel()])},
+          {QStringLiteral("qualified_name"), script->getQualifiedName()},
+          {QStringLiteral("command"), Vel::GScript::ScriptDatabase::makeScriptCommandName(script->getQualifiedName())},
+          {QStringLiteral("display_name"), script->getDisplayName()},
+          {QStringLiteral("show_in_menu"), script->getShowInMenu()},
+          {QStringLiteral("path"), script->getPath()}});
+    printJson(list);
+    return EXIT_OK;
+  }
+  int width = 0;
+  for (const Vel::GScript::Script* script : scripts)
+    width = std::max(width, int(script->getQualifiedName().size()));
+  QString text;
+  for (const Vel::GScript::Script* script : scripts)
+    text += QStringLiteral("%1  %2  %3\n")
+                .arg(QString::fromLatin1(LEVELS[script->getConfigLevel()]).leftJustified(6),
+                     script->getQualifiedName().leftJustified(width),
+                     Vel::GScript::ScriptDatabase::makeScriptCommandName(script->getQualifiedName()));
+  printOut(text);
+  return EXIT_OK;
+}
+
 const SubCommand SUB_COMMANDS[] = {
     {"run", "FILE.py [-p NAME=VALUE]...",
      "Runs a Python script file through the command sys.execute_script. Each -p passes a parameter,\n"
@@ -254,6 +292,11 @@ const SubCommand SUB_COMMANDS[] = {
      "(3, True, [1, 2], {'a': 1}), or taken as text when it is none.",
      true, callCommand},
     {"commands", "[--json]", "Lists the registered commands: name, title and kind.", true, listCommands},
+    {"scripts", "[--json]",
+     "Lists the script database: level (system, public, user), qualified name and the command that\n"
+     "runs the script. User scripts live in $XDG_DATA_HOME/zut/scripts (~/.local/share/zut/scripts),\n"
+     "public ones in $ZUT_PUBLIC_SCRIPTS.",
+     false, listScripts},
     {"config", "[KEY [VALUE]] [--json]",
      "Lists the configuration items, prints one, or sets one. A value is checked against the\n"
      "item's type and range and saved at once.",

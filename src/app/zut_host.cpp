@@ -41,6 +41,8 @@ bool ZutHost::start()
     _module->initLibrary(_cfg->root());
     _module->initDefaults();
     _defaults_initialized = true;
+    _module->initScriptDatabase();
+    _module->updateRegisteredCommands();
   } catch (const Vel::ProgError& failure) {
     warn(QStringLiteral("the scripting module failed to start: ") + QString::fromUtf8(failure.what()));
     return false;
@@ -61,6 +63,8 @@ void ZutHost::stop()
       Vel::GApp::AppStatusManager::requestExit(true);
       _module->closeDefaults();
     }
+    if (_module && _module->isLoaded())
+      _module->closeScriptDatabase();
     Vel::GApp::CommandContainer::getInstance().deleteAll();
     if (_module && _module->isLoaded())
       _module->closeLibrary();

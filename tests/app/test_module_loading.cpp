@@ -32,8 +32,8 @@ TEST(ModuleLoading, HostLoadsTheBuiltModuleAndDrivesItsLifecycle)
             QStringLiteral("Maximum recursion depth exceeded"));
   EXPECT_EQ(AppStatusManager::getExitNotifiers().size(), 1u);
 
-  // The script database functions are not exported yet; the host does without them.
-  EXPECT_FALSE(loader.initScriptDatabase());
+  EXPECT_TRUE(loader.initScriptDatabase());
+  EXPECT_TRUE(loader.updateRegisteredCommands());
 
   // A program error inside an exported function reaches the host as a ProgError.
   try {

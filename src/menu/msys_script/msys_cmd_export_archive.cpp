@@ -1,8 +1,42 @@
 #include "menu/msys_script/msys_cmd_export_archive.h"
 
+#include <QDir>
+#include <QFile>
+#include <QFileDialog>
+#include <QSaveFile>
+
+#include "core/translate.h"
+#include "gscript/script_database.h"
+#include "gtools/error_dialog.h"
+#include "menu/msys_script/msys_cmd_export_script.h"
+#include "menu/msys_script/msys_error_codes.h"
+#include "menu/msys_script/msys_python_script_database.h"
+#include "menu/msys_script/msys_script_archive.h"
+
 namespace Vel::MSysScript {
 
 using Meta = GApp::CommandMetaInfo;
+
+namespace {
+
+[[noreturn]] void fail(const char* code, const ErrorLog& log)
+{
+  throw GApp::CommandError(QString::fromLatin1(code), log);
+}
+
+[[noreturn]] void fail(const char* code, const QString& line)
+{
+  ErrorLog log;
+  log.addLine(line);
+  fail(code, log);
+}
+
+QString archiveFilter()
+{
+  return QStringLiteral("Script archives (*.scriptar)");
+}
+
+}  // namespace
 
 ImportScriptArchiveCommand::ImportScriptArchiveCommand()
     : MSysCommand(
@@ -10,10 +44,56 @@ ImportScriptArchiveCommand::ImportScriptArchiveCommand()
           {{QStringLiteral("file"), Meta::TYPE_FILE, QStringLiteral("file name of the imported script archive")}})
 {}
 
-void ImportScriptArchiveCommand::execute(const GApp::CommandParameters&)
+bool ImportScriptArchiveCommand::prepareInteractive(GApp::CommandParameters& parameters)
 {
-  failNotAvailable();
+  if (parameters.contains(QStringLiteral("file")) || !GTools::isInteractive())
+    return true;
+  const QString file = QFileDialog::getOpenFileName(nullptr, getTitle(), QString(), archiveFilter());
+  if (file.isEmpty())
+    return false;
+  parameters.set(QStringLiteral("file"), QVariant::fromValue(Parse::File(file)));
+  return true;
 }
+
+void ImportScriptArchiveCommand::execute(const GApp::CommandParameters& parameters)
+{
+  const QString path = getArgument<Parse::File>(parameters, QStringLiteral("file")).getName();
+  QFile file(path);
+  if (!file.open(QIODevice::ReadOnly))
+    fail(ERR_IMPORT_ARCHIVE, QStringLiteral("%1: %2").arg(QDir::toNativeSeparators(path), file.errorString()));
+  ErrorLog log;
+  std::vector<ArchivedScript> archived;
+  if (!ScriptArchive::read(file.readAll(), archived, log))
+    fail(ERR_IMPORT_ARCHIVE, log);
+
+  DatabaseLock database;
+  if (!database)
+    fail(ERR_IMPORT_ARCHIVE, QStringLiteral("The script database is not available."));
+  std::vector<ScriptToWrite> scripts;
+  QStringList existing;
+  for (const ArchivedScript& entry : archived) {
+    scripts.push_back({entry.file_name, entry.code, entry.metadata.display_name, entry.metadata.show_in_menu,
+                       entry.metadata.icon, entry.icon});
+    const GScript::Script* script = database->getScript(entry.file_name);
+    if (script && script->getConfigLevel() == GScript::LEVEL_USER)
+      existing << entry.file_name;
+  }
+  // Existing scripts are replaced only when a person says so.
+  const bool replace =
+      !existing.isEmpty() &&
+      GTools::askYesNo(
+          getTitle(),
+          QStringLiteral("These scripts exist already:\n%1\nReplace them?").arg(existing.join(QLatin1Char('\n'))),
+          false);
+  if (!writeScripts(*database.get(), GScript::LEVEL_USER, scripts, replace, log))
+    fail(ERR_IMPORT_ARCHIVE, log);
+  QStringList imported;
+  for (const ArchivedScript& entry : archived)
+    imported << entry.file_name;
+  setResult(imported);
+}
+
+// ---------------------------------------------------------------------------------------------
 
 ExportScriptArchiveCommand::ExportScriptArchiveCommand()
     : MSysCommand(QStringLiteral("sys.export_script_archive"), {"MSysScript_cmd", "Export Script Archive", "id=10030"},
@@ -21,9 +101,51 @@ ExportScriptArchiveCommand::ExportScriptArchiveCommand()
                    {QStringLiteral("names"), Meta::TYPE_LIST, QStringLiteral("names of scripts to export")}})
 {}
 
-void ExportScriptArchiveCommand::execute(const GApp::CommandParameters&)
+bool ExportScriptArchiveCommand::prepareInteractive(GApp::CommandParameters& parameters)
 {
-  failNotAvailable();
+  if (parameters.contains(QStringLiteral("file")) || !GTools::isInteractive())
+    return true;
+  const QString file = QFileDialog::getSaveFileName(nullptr, getTitle(), QString(), archiveFilter());
+  if (file.isEmpty())
+    return false;
+  parameters.set(QStringLiteral("file"), QVariant::fromValue(Parse::File(file)));
+  return true;
+}
+
+void ExportScriptArchiveCommand::execute(const GApp::CommandParameters& parameters)
+{
+  const QString path = getArgument<Parse::File>(parameters, QStringLiteral("file")).getName();
+  QStringList names;
+  if (parameters.contains(QStringLiteral("names")))
+    names = getArgument<QStringList>(parameters, QStringLiteral("names"));
+
+  DatabaseLock database;
+  if (!database)
+    fail(ERR_EXPORT_ARCHIVE, QStringLiteral("The script database is not available."));
+  // Names are qualified names or file names; none means every script.
+  QStringList file_names;
+  if (names.isEmpty()) {
+    for (const GScript::Script* script : database->getAllScripts())
+      file_names << script->getFileName();
+  }
+  for (const QString& name : names)
+    file_names << (name.endsWith(QStringLiteral(".py")) ? name : name + QStringLiteral(".py"));
+
+  ErrorLog log;
+  std::vector<ArchivedScript> scripts;
+  for (const QString& file_name : file_names) {
+    ArchivedScript entry;
+    entry.file_name = file_name;
+    if (!database->readScriptBytes(file_name, entry.code, &entry.icon, log))
+      fail(ERR_EXPORT_ARCHIVE, log);
+    entry.metadata = database->getScript(file_name)->getMetadata();
+    scripts.push_back(std::move(entry));
+  }
+  const QByteArray bytes = ScriptArchive::write(scripts);
+  QSaveFile file(path);
+  if (!file.open(QIODevice::WriteOnly) || file.write(bytes) != bytes.size() || !file.commit())
+    fail(ERR_EXPORT_ARCHIVE, QStringLiteral("%1: %2").arg(QDir::toNativeSeparators(path), file.errorString()));
+  setResult(file_names);
 }
 
 }  // namespace Vel::MSysScript

@@ -10,6 +10,7 @@ class ImportScriptArchiveCommand : public MSysCommand
 public:
   ImportScriptArchiveCommand();
   void execute(const GApp::CommandParameters& parameters) override;
+  bool prepareInteractive(GApp::CommandParameters& parameters) override;
 };
 
 // "sys.export_script_archive": writes database scripts into a ".scriptar" archive.
@@ -18,6 +19,7 @@ class ExportScriptArchiveCommand : public MSysCommand
 public:
   ExportScriptArchiveCommand();
   void execute(const GApp::CommandParameters& parameters) override;
+  bool prepareInteractive(GApp::CommandParameters& parameters) override;
 };
 
 }  // namespace Vel::MSysScript

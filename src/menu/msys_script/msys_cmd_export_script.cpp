@@ -1,8 +1,113 @@
 #include "menu/msys_script/msys_cmd_export_script.h"
 
+#include <QDir>
+#include <QFile>
+#include <QFileDialog>
+#include <QFileInfo>
+#include <QSaveFile>
+
+#include "core/translate.h"
+#include "gscript/script_database.h"
+#include "gtools/error_dialog.h"
+#include "menu/msys_script/msys_error_codes.h"
+#include "menu/msys_script/msys_python_script_database.h"
+
 namespace Vel::MSysScript {
 
 using Meta = GApp::CommandMetaInfo;
+
+namespace {
+
+const QString PY = QStringLiteral(".py");
+
+[[noreturn]] void fail(const char* code, const ErrorLog& log)
+{
+  throw GApp::CommandError(QString::fromLatin1(code), log);
+}
+
+[[noreturn]] void fail(const char* code, const QString& line)
+{
+  ErrorLog log;
+  log.addLine(line);
+  fail(code, log);
+}
+
+bool readFile(const QString& path, QByteArray& bytes, ErrorLog& log)
+{
+  QFile file(path);
+  if (!file.open(QIODevice::ReadOnly)) {
+    log.addLine(QStringLiteral("%1: %2").arg(QDir::toNativeSeparators(path), file.errorString()));
+    return false;
+  }
+  bytes = file.readAll();
+  if (bytes.isEmpty()) {
+    log.addLine(
+        translate("MSysScript_err", "Unable to access file: %1", "id=9989").arg(QDir::toNativeSeparators(path)));
+    return false;
+  }
+  return true;
+}
+
+}  // namespace
+
+bool writeScripts(GScript::ScriptDatabase& database, int level, const std::vector<ScriptToWrite>& scripts,
+                  bool replace_existing, ErrorLog& log)
+{
+  struct Previous
+  {
+    QString file_name;
+    bool existed;
+    QByteArray code;
+    GScript::ScriptMetadata metadata;
+  };
+  std::vector<Previous> previous;
+  for (const ScriptToWrite& script : scripts) {
+    if (!GScript::ScriptDatabase::isValidFileName(script.file_name)) {
+      log.addLine(QStringLiteral("'%1' is not a valid script name.").arg(script.file_name));
+      return false;
+    }
+    if (PythonScriptDatabase::isRunning(script.file_name)) {
+      log.addLine(QStringLiteral("The script '%1' is running and cannot be replaced.").arg(script.file_name));
+      return false;
+    }
+    const GScript::Script* existing = database.getScript(script.file_name);
+    Previous before{script.file_name, existing && existing->getConfigLevel() == level, {}, {}};
+    if (before.existed) {
+      if (!replace_existing) {
+        log.addLine(QStringLiteral("The script '%1' exists already.").arg(script.file_name));
+        return false;
+      }
+      before.metadata = existing->getMetadata();
+      if (!database.readScriptBytes(script.file_name, before.code, nullptr, log))
+        return false;
+    }
+    previous.push_back(before);
+  }
+
+  for (size_t i = 0; i < scripts.size(); ++i) {
+    const ScriptToWrite& script = scripts[i];
+    GScript::ScriptMetadata metadata;
+    metadata.display_name = script.display_name;
+    metadata.show_in_menu = script.show_in_menu;
+    metadata.icon = script.icon_name;
+    if (database.writeScript(level, script.file_name, script.code, metadata, log, script.icon))
+      continue;
+    // Take back this step's writes: earlier texts return, new files go.
+    for (size_t j = 0; j < i; ++j) {
+      ErrorLog ignored;
+      if (previous[j].existed)
+        database.writeScript(level, previous[j].file_name, previous[j].code, previous[j].metadata, ignored);
+      else
+        QFile::remove(QDir(GScript::ScriptDatabase::levelRoot(level)).filePath(previous[j].file_name));
+    }
+    return false;
+  }
+  // The new scripts become commands at once.
+  database.getCreator()->update(&database);
+  return true;
+}
+
+// ---------------------------------------------------------------------------------------------
 
 ImportScriptCommand::ImportScriptCommand()
     : MSysCommand(
@@ -16,10 +121,63 @@ ImportScriptCommand::ImportScriptCommand()
             QStringLiteral("whether existing scripts should be overwritten")}})
 {}
 
-void ImportScriptCommand::execute(const GApp::CommandParameters&)
+bool ImportScriptCommand::prepareInteractive(GApp::CommandParameters& parameters)
 {
-  failNotAvailable();
+  if (parameters.contains(QStringLiteral("files")) || !GTools::isInteractive())
+    return true;
+  const QStringList files = QFileDialog::getOpenFileNames(
+      nullptr, getTitle(), QString(), translate("MSysScript_Execute_filedir", "Scripts (*.py)", "id=9988"));
+  if (files.isEmpty())
+    return false;
+  parameters.set(QStringLiteral("files"), QVariant(files));
+  return true;
 }
+
+void ImportScriptCommand::execute(const GApp::CommandParameters& parameters)
+{
+  const QStringList files = getArgument<QStringList>(parameters, QStringLiteral("files"));
+  const auto optionalList = [&](const char* name) {
+    return parameters.contains(QString::fromLatin1(name))
+               ? getArgument<QStringList>(parameters, QString::fromLatin1(name))
+               : QStringList();
+  };
+  const QStringList names = optionalList("names");
+  const QStringList display_names = optionalList("display_names");
+  const int level = parameters.contains(QStringLiteral("config_level"))
+                        ? getArgument<int>(parameters, QStringLiteral("config_level"))
+                        : int(GScript::LEVEL_USER);
+  const bool replace = parameters.contains(QStringLiteral("replace_existing_scripts")) &&
+                       getArgument<bool>(parameters, QStringLiteral("replace_existing_scripts"));
+
+  if ((!names.isEmpty() && names.size() != files.size()) ||
+      (!display_names.isEmpty() && display_names.size() != files.size()))
+    fail(ERR_IMPORT_SCRIPT, QStringLiteral("'names' and 'display_names' must have one entry per file."));
+
+  const QString folder = _target_folder ? _target_folder->getQualifiedName() : QString();
+  ErrorLog log;
+  std::vector<ScriptToWrite> scripts;
+  for (int i = 0; i < files.size(); ++i) {
+    ScriptToWrite script;
+    if (!readFile(files[i], script.code, log))
+      fail(ERR_IMPORT_SCRIPT, log);
+    QString name = names.isEmpty() ? QFileInfo(files[i]).fileName() : names[i];
+    if (!name.endsWith(PY))
+      name += PY;
+    script.file_name = folder.isEmpty() ? name : folder + QLatin1Char('/') + name;
+    script.display_name = display_names.value(i);
+    scripts.push_back(script);
+  }
+
+  DatabaseLock database;
+  if (!database || !writeScripts(*database.get(), level, scripts, replace, log))
+    fail(ERR_IMPORT_SCRIPT, log);
+  QStringList imported;
+  for (const ScriptToWrite& script : scripts)
+    imported << script.file_name;
+  setResult(imported);
+}
+
+// ---------------------------------------------------------------------------------------------
 
 // The argument reads "script archive" although a single script is written: the description is
 // shared with the archive export.
@@ -29,9 +187,33 @@ ExportScriptCommand::ExportScriptCommand()
           {{QStringLiteral("file"), Meta::TYPE_FILE, QStringLiteral("file name of the created script archive")}})
 {}
 
-void ExportScriptCommand::execute(const GApp::CommandParameters&)
+bool ExportScriptCommand::prepareInteractive(GApp::CommandParameters& parameters)
 {
-  failNotAvailable();
+  if (parameters.contains(QStringLiteral("file")) || !GTools::isInteractive())
+    return true;
+  const QString file = QFileDialog::getSaveFileName(
+      nullptr, getTitle(), QString(), translate("MSysScript_Execute_filedir", "Scripts (*.py)", "id=9988"));
+  if (file.isEmpty())
+    return false;
+  parameters.set(QStringLiteral("file"), QVariant::fromValue(Parse::File(file)));
+  return true;
+}
+
+void ExportScriptCommand::execute(const GApp::CommandParameters& parameters)
+{
+  const QString path = getArgument<Parse::File>(parameters, QStringLiteral("file")).getName();
+  DatabaseLock database;
+  const GScript::Script* current = database ? database->getCurrentScript() : nullptr;
+  if (!current)
+    fail(ERR_EXPORT_SCRIPT, QStringLiteral("No script is selected: open the script to export in the script editor."));
+  ErrorLog log;
+  QByteArray code;
+  if (!database->readScriptBytes(current->getFileName(), code, nullptr, log))
+    fail(ERR_EXPORT_SCRIPT, log);
+  QSaveFile file(path);
+  if (!file.open(QIODevice::WriteOnly) || file.write(code) != code.size() || !file.commit())
+    fail(ERR_EXPORT_SCRIPT, QStringLiteral("%1: %2").arg(QDir::toNativeSeparators(path), file.errorString()));
+  setResult(current->getFileName());
 }
 
 }  // namespace Vel::MSysScript

@@ -8,6 +8,7 @@
 #include "core/prog_error.h"
 #include "core/translate.h"
 #include "gapp/app_status_manager.h"
+#include "gscript/script_database.h"
 #include "menu/msys_script/msys_cmd_delay.h"
 #include "menu/msys_script/msys_cmd_dialog.h"
 #include "menu/msys_script/msys_cmd_editor.h"
@@ -18,6 +19,8 @@
 #include "menu/msys_script/msys_config.h"
 #include "menu/msys_script/msys_error_codes.h"
 #include "menu/msys_script/msys_exit_notifier.h"
+#include "menu/msys_script/msys_python_script_creator.h"
+#include "menu/msys_script/msys_python_script_database.h"
 #include "menu/msys_script/msys_special_menu_provider.h"
 
 namespace Vel::MSysScript {
@@ -72,6 +75,7 @@ void InitLibrary(Vel::CfgNode* root)
     declareConfiguration(root);
     declareTemplateConfiguration(root);
     registerErrorCodes();
+    installDatabaseImportHandler();
   });
 }
 
@@ -97,6 +101,27 @@ void CloseDefaults()
   guarded("CloseDefaults", [] {
     ScriptSpecialMenuProvider::deinitialize();
     GApp::AppStatusManager::unregisterExitNotifier(&ExitNotifier::getInstance());
+  });
+}
+
+void InitScriptDatabase()
+{
+  guarded("InitScriptDatabase", [] {
+    PythonScriptDatabase::getDatabase(false);
+    PythonScriptDatabase::releaseDatabase();
+  });
+}
+
+void CloseScriptDatabase() {}
+
+void UpdateRegisteredCommands()
+{
+  // The script commands follow the database; the editor's highlighting of command names
+  // follows them once the editor exists.
+  guarded("UpdateRegisteredCommands", [] {
+    DatabaseLock database;
+    if (database)
+      database->getCreator()->update(database.get());
   });
 }
 

@@ -14,5 +14,8 @@ VEL_EXPORT void InitLibrary(Vel::CfgNode* root);
 VEL_EXPORT void CloseLibrary();
 VEL_EXPORT void InitDefaults();
 VEL_EXPORT void CloseDefaults();
+VEL_EXPORT void InitScriptDatabase();
+VEL_EXPORT void CloseScriptDatabase();
+VEL_EXPORT void UpdateRegisteredCommands();
 }
 }  // namespace Vel::MSysScript

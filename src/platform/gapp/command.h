@@ -3,6 +3,7 @@
 #include <QList>
 #include <QMap>
 #include <QString>
+#include <QStringList>
 #include <QVariant>
 
 #include <exception>
@@ -14,6 +15,9 @@
 #include "gapp/trait.h"
 
 namespace Vel::GApp {
+
+// Every command that runs a script of the script database is named with this prefix.
+constexpr const char* SCRIPT_COMMAND_PREFIX = "userscript.";
 
 // Host error codes of the command framework itself.
 VEL_EXPORT extern const char* const ERR_COMMAND_FAILED;  // "GAppErr-0001"
@@ -147,6 +151,22 @@ private:
   QString _name;
   CommandMetaInfo _meta_info;
   QVariant _result;
+};
+
+// A named group of commands that a tool bar shows together (the scripts of one folder, say).
+// Running it yields the names of its commands.
+class VEL_EXPORT ToolBarGroupCommand : public Command
+{
+public:
+  explicit ToolBarGroupCommand(const QString& name) : Command(name) {}
+  QString getCommandType() const override { return QStringLiteral("cmd_toolbar_group"); }
+  void execute(const CommandParameters&) override { setResult(_commands); }
+
+  void setCommands(const QStringList& commands) { _commands = commands; }
+  const QStringList& getCommands() const { return _commands; }
+
+private:
+  QStringList _commands;
 };
 
 }  // namespace Vel::GApp

@@ -51,6 +51,8 @@ void PythonInterpreter::initialize()
   PyConfig_SetBytesString(&config, &config.home, ZUT_PYTHON_HOME);
   py::initialize_interpreter(&config, 0, nullptr, false);
   state = State::Running;
+  // The package installs the import hook through which scripts import each other.
+  py::module_::import("zut");
 }
 
 bool PythonInterpreter::isInitialized()

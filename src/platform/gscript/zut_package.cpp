@@ -7,6 +7,7 @@
 #include "core/script_type.h"
 #include "gapp/command.h"
 #include "gapp/command_container.h"
+#include "gscript/import_handler.h"
 #include "gscript/python_values.h"
 
 namespace py = pybind11;
@@ -106,6 +107,64 @@ class ScriptTypeError(Exception):
     """An object refused an attribute assignment."""
 )";
 
+// Modules that Python's own finders do not find are looked for among the import handler
+// sources. The finder comes last in sys.meta_path, so a script never hides a module of the
+// standard library. Module "a.b" is the name "a/b.py"; "a" is a package when a name begins
+// with "a/". Names that are no identifiers ("my tools/x.py") are reached with importlib.
+const char* const IMPORT_HOOK = R"(
+import sys as _sys
+
+
+class _SourceFinder:
+    @classmethod
+    def find_spec(cls, fullname, path=None, target=None):
+        import importlib.util
+        stem = fullname.replace(".", "/")
+        names = _import_names()
+        if stem + ".py" in names:
+            return importlib.util.spec_from_loader(fullname, cls, origin=stem + ".py")
+        prefix = stem + "/"
+        if any(name.startswith(prefix) for name in names):
+            spec = importlib.util.spec_from_loader(fullname, cls, origin=stem, is_package=True)
+            spec.submodule_search_locations = []
+            return spec
+        return None
+
+    @staticmethod
+    def create_module(spec):
+        return None
+
+    @staticmethod
+    def exec_module(module):
+        origin = module.__spec__.origin
+        if origin.endswith(".py"):
+            module.__file__ = origin
+            exec(compile(_import_source(origin), origin, "exec"), module.__dict__)
+
+
+if not any(finder is _SourceFinder for finder in _sys.meta_path):
+    _sys.meta_path.append(_SourceFinder)
+)";
+
+py::list importNames()
+{
+  py::list names;
+  for (const ImportHandlerSource* source : ImportHandlerSource::getSources())
+    for (const QString& name : source->getNames())
+      names.append(name.toStdString());
+  return names;
+}
+
+std::string importSource(const std::string& name)
+{
+  for (const ImportHandlerSource* source : ImportHandlerSource::getSources()) {
+    const QString text = source->getSource(QString::fromStdString(name));
+    if (!text.isEmpty())
+      return text.toStdString();
+  }
+  throw py::import_error("no source for '" + name + "'");
+}
+
 }  // namespace
 }  // namespace Vel::GScript
 
@@ -121,4 +180,7 @@ PYBIND11_EMBEDDED_MODULE(zut, m)
       .def("__repr__", [](const CommandNamespace& self) { return "<" + self.path() + ">"; });
   m.attr("script") = CommandNamespace{std::string(), false};
   m.attr("interactive") = CommandNamespace{std::string(), true};
+  m.def("_import_names", &Vel::GScript::importNames);
+  m.def("_import_source", &Vel::GScript::importSource);
+  py::exec(Vel::GScript::IMPORT_HOOK, m.attr("__dict__"));
 }

@@ -1,0 +1,190 @@
+#include "menu/msys_script/msys_cmd_script.h"
+
+#include <map>
+
+#include "core/prog_error.h"
+#include "core/translate.h"
+#include "gapp/app_status_manager.h"
+#include "gapp/command_container.h"
+#include "gscript/execute.h"
+#include "gscript/python_interpreter.h"
+#include "gscript/script_database.h"
+#include "gtools/icon_cache.h"
+#include "menu/msys_script/msys_cmd_editor.h"
+#include "menu/msys_script/msys_cmd_execute.h"
+#include "menu/msys_script/msys_error_codes.h"
+#include "menu/msys_script/msys_python_script_database.h"
+
+namespace Vel::MSysScript {
+
+using Meta = GApp::CommandMetaInfo;
+
+namespace {
+
+const QString PREFIX = QString::fromLatin1(GApp::SCRIPT_COMMAND_PREFIX);
+
+QString checkedName(const QString& name)
+{
+  if (!name.startsWith(PREFIX))
+    throw ProgError(QStringLiteral("ScriptCommand"), QStringLiteral("msys_cmd_script"),
+                    QStringLiteral("Invalid command prefix"));
+  return name;
+}
+
+[[noreturn]] void fail(const char* code, const QString& line)
+{
+  ErrorLog log;
+  log.addLine(line);
+  throw GApp::CommandError(QString::fromLatin1(code), log);
+}
+
+// Whatever way the run ends, the running-script stack and the active menu command shrink.
+class RunningScript
+{
+public:
+  RunningScript(const QString& file_name, GApp::Command* command) : _file_name(file_name)
+  {
+    PythonScriptDatabase::scriptStarted(file_name);
+    GApp::AppStatusManager::pushActiveMenuCommand(command);
+  }
+  ~RunningScript()
+  {
+    GApp::AppStatusManager::popActiveMenuCommand();
+    PythonScriptDatabase::scriptTerminated(_file_name);
+  }
+
+private:
+  QString _file_name;
+};
+
+}  // namespace
+
+ScriptCommand::ScriptCommand(const QString& name) : GApp::Command(checkedName(name))
+{
+  getMetaInfo().setArgumentTypes(
+      {{QStringLiteral("parameters"), Meta::TYPE_PARAMETER_MAP, QStringLiteral("script parameter map")},
+       {QStringLiteral("collect_stdout"), Meta::TYPE_BOOLEAN, QStringLiteral("collect and return stdout output")},
+       {QStringLiteral("collect_stderr"), Meta::TYPE_BOOLEAN, QStringLiteral("collect and return stderr output")}});
+  getMetaInfo().setFlags(false, false, true);
+  GApp::CommandContainer::getInstance().registerCommand(this);
+}
+
+void ScriptCommand::updateFromScript(const GScript::Script& script)
+{
+  _script_file_name = script.getFileName();
+  _qualified_name = script.getQualifiedName();
+  // The level shows in the title only for scripts with an icon of their own.
+  QString pattern = translate("MSysScript_MenuHandler_other", "%1 (script)", "id=10047");
+  if (const QPixmap* pixmap = script.getPixmap()) {
+    if (script.getConfigLevel() == GScript::LEVEL_SYSTEM)
+      pattern = translate("MSysScript_MenuHandler_other", "%1 (system script)", "id=10048");
+    else if (script.getConfigLevel() == GScript::LEVEL_PUBLIC)
+      pattern = translate("MSysScript_MenuHandler_other", "%1 (public script)", "id=30298");
+    _icon = std::make_unique<QIcon>(*pixmap);
+  } else {
+    _icon = std::make_unique<QIcon>(GIcon::Cache::getConfigLevelIcon(script.getConfigLevel()));
+  }
+  _menu_title = pattern.arg(script.getDisplayName());
+}
+
+void ScriptCommand::update(const GScript::ScriptDatabase& database)
+{
+  GApp::CommandContainer& container = GApp::CommandContainer::getInstance();
+  std::map<QString, const GScript::Script*> wanted;
+  for (const GScript::Script* script : database.getAllScripts())
+    wanted[GScript::ScriptDatabase::makeScriptCommandName(script->getQualifiedName())] = script;
+
+  // Walk the script commands, which are contiguous in the name order; deleting one withdraws
+  // it from the container, so the next position is taken first.
+  for (auto it = container.lowerBound(PREFIX); it != container.end() && it->first.startsWith(PREFIX);) {
+    auto* command = dynamic_cast<ScriptCommand*>(it->second);
+    ++it;
+    if (!command)
+      continue;
+    const auto found = wanted.find(command->getName());
+    if (found != wanted.end()) {
+      command->updateFromScript(*found->second);
+      wanted.erase(found);
+    } else {
+      delete command;
+    }
+  }
+  for (const auto& entry : wanted)
+    (new ScriptCommand(entry.first))->updateFromScript(*entry.second);
+
+  // Group commands: one per folder, holding the folder's scripts that show in menus.
+  std::map<QString, QStringList> groups;
+  for (const GScript::ScriptFolder* folder : database.getAllFolders()) {
+    QStringList members;
+    for (const GScript::Script* script : folder->getScripts())
+      if (script->getShowInMenu())
+        members << GScript::ScriptDatabase::makeScriptCommandName(script->getQualifiedName());
+    groups[GScript::ScriptDatabase::makeGroupCommandName(folder->getQualifiedName())] = members;
+  }
+  const QString group_prefix = GScript::ScriptDatabase::makeGroupCommandName(QString());
+  for (auto it = container.lowerBound(group_prefix); it != container.end() && it->first.startsWith(group_prefix);) {
+    auto* group = dynamic_cast<GApp::ToolBarGroupCommand*>(it->second);
+    ++it;
+    if (group && !groups.count(group->getName()))
+      delete group;
+  }
+  for (const auto& entry : groups) {
+    auto* group = dynamic_cast<GApp::ToolBarGroupCommand*>(container.getCommand(entry.first));
+    if (!group)
+      group = new GApp::ToolBarGroupCommand(entry.first);
+    group->setCommands(entry.second);
+  }
+  container.updateAllActions();
+}
+
+void ScriptCommand::execute(const GApp::CommandParameters& parameters)
+{
+  ErrorLog log;
+
+  auto* editor = dynamic_cast<EditorCommand*>(
+      GApp::CommandContainer::getInstance().getCommand(QStringLiteral("sys.show_script_editor")));
+  if (editor && editor->isRecording()) {
+    DatabaseLock database(true);
+    const GScript::Script* current = database ? database->getCurrentScript() : nullptr;
+    if (current && current->getFileName() == _script_file_name)
+      fail(ERR_EXECUTE_SCRIPT,
+           translate("MSysScript_err", "A script is called which is currently being recorded: '%1'", "id=10050")
+               .arg(_qualified_name));
+  }
+
+  if (GScript::PythonInterpreter::getInterpreterStack().size() > size_t(MAX_RECURSION_DEPTH))
+    fail(ERR_RECURSION_DEPTH, translate("MSysScript_err",
+                                        "Maximum recursion depth of %1 iterations exceeded. Please use python "
+                                        "functions for true recursive code",
+                                        "id=10051")
+                                  .arg(MAX_RECURSION_DEPTH));
+
+  DatabaseLock database;
+  QString text;
+  if (database) {
+    ErrorLog ignored;
+    if (GScript::Script* loaded = database->createLoadedScript(_script_file_name, ignored)) {
+      text = loaded->getCode();
+      delete loaded;
+    }
+  }
+  if (text.isEmpty())
+    fail(ERR_EXECUTE_SCRIPT,
+         translate("MSysScript_err", "No script found for command '%1'", "id=10052").arg(getName()));
+
+  GScript::Execute run(text);
+  const bool collect = applyRunArguments(parameters, run);
+  QString code = QString::fromLatin1(ERR_EXECUTE_SCRIPT);
+  bool success = false;
+  {
+    RunningScript running(_script_file_name, this);
+    run.setFileName(database->getScript(_script_file_name)->getPath());
+    success = run.execute(0, GScript::Execute::FLAG_MAIN, code, log);
+  }
+  if (collect)
+    setResult(run.getCollectedOutput());
+  if (!success)
+    throw GApp::CommandError(code, log);
+}
+
+}  // namespace Vel::MSysScript

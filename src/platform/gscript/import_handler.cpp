@@ -1,0 +1,29 @@
+#include "gscript/import_handler.h"
+
+#include <algorithm>
+
+namespace Vel::GScript {
+namespace {
+std::vector<ImportHandlerSource*>& sources()
+{
+  static std::vector<ImportHandlerSource*> list;
+  return list;
+}
+}  // namespace
+
+ImportHandlerSource::ImportHandlerSource()
+{
+  sources().push_back(this);
+}
+
+ImportHandlerSource::~ImportHandlerSource()
+{
+  sources().erase(std::remove(sources().begin(), sources().end(), this), sources().end());
+}
+
+const std::vector<ImportHandlerSource*>& ImportHandlerSource::getSources()
+{
+  return sources();
+}
+
+}  // namespace Vel::GScript

@@ -1,0 +1,372 @@
+#include "gscript/script_database.h"
+
+#include <QCoreApplication>
+#include <QCryptographicHash>
+#include <QDir>
+#include <QDirIterator>
+#include <QFile>
+#include <QFileInfo>
+#include <QJsonDocument>
+#include <QJsonObject>
+#include <QSaveFile>
+
+#include "gapp/command.h"
+
+namespace Vel::GScript {
+namespace {
+
+const QString PY_SUFFIX = QStringLiteral(".py");
+const QString META_SUFFIX = QStringLiteral(".meta.json");
+
+QString metadataPath(const QString& script_path)
+{
+  return script_path.chopped(PY_SUFFIX.size()) + META_SUFFIX;
+}
+
+// Missing metadata is no fault; damaged metadata is reported and the defaults are used.
+ScriptMetadata readMetadata(const QString& script_path, ErrorLog& log)
+{
+  ScriptMetadata metadata;
+  QFile file(metadataPath(script_path));
+  if (!file.exists())
+    return metadata;
+  QJsonParseError error;
+  const QJsonDocument document =
+      file.open(QIODevice::ReadOnly) ? QJsonDocument::fromJson(file.readAll(), &error) : QJsonDocument();
+  if (!document.isObject()) {
+    log.addLine(QStringLiteral("%1: the script's metadata cannot be read; defaults are used")
+                    .arg(QDir::toNativeSeparators(file.fileName())));
+    return metadata;
+  }
+  const QJsonObject object = document.object();
+  metadata.display_name = object.value(QStringLiteral("display_name")).toString();
+  metadata.show_in_menu = object.value(QStringLiteral("show_in_menu")).toBool(true);
+  metadata.icon = object.value(QStringLiteral("icon")).toString();
+  return metadata;
+}
+
+QByteArray metadataJson(const ScriptMetadata& metadata)
+{
+  QJsonObject object;
+  if (!metadata.display_name.isEmpty())
+    object.insert(QStringLiteral("display_name"), metadata.display_name);
+  object.insert(QStringLiteral("show_in_menu"), metadata.show_in_menu);
+  if (!metadata.icon.isEmpty())
+    object.insert(QStringLiteral("icon"), metadata.icon);
+  return QJsonDocument(object).toJson();
+}
+
+bool writeAtomically(const QString& path, const QByteArray& bytes, ErrorLog& log)
+{
+  QDir().mkpath(QFileInfo(path).absolutePath());
+  QSaveFile file(path);
+  if (file.open(QIODevice::WriteOnly) && file.write(bytes) == bytes.size() && file.commit())
+    return true;
+  log.addLine(QStringLiteral("%1: %2").arg(QDir::toNativeSeparators(path), file.errorString()));
+  return false;
+}
+
+QString mangle(const QString& path)
+{
+  QString name;
+  name.reserve(path.size());
+  for (const QChar c : path) {
+    if (c == QLatin1Char('/'))
+      name += QLatin1Char('.');
+    else if (c.isLetterOrNumber() || c == QLatin1Char('_'))
+      name += c;
+    else
+      name += QLatin1Char('_');
+  }
+  return name;
+}
+
+}  // namespace
+
+QString Script::getQualifiedName() const
+{
+  return _file_name.chopped(PY_SUFFIX.size());
+}
+
+QString Script::getDisplayName() const
+{
+  if (!_metadata.display_name.isEmpty())
+    return _metadata.display_name;
+  return QFileInfo(_file_name).completeBaseName();
+}
+
+QString Script::getIconPath() const
+{
+  return _metadata.icon.isEmpty() ? QString() : QFileInfo(_path).dir().filePath(_metadata.icon);
+}
+
+const QPixmap* Script::getPixmap() const
+{
+  // Read on demand: most scripts have no icon, and listing must stay cheap.
+  if (!_pixmap_loaded) {
+    _pixmap_loaded = true;
+    if (!_metadata.icon.isEmpty()) {
+      auto pixmap = std::make_unique<QPixmap>();
+      if (pixmap->load(getIconPath()))
+        _pixmap = std::move(pixmap);
+    }
+  }
+  return _pixmap.get();
+}
+
+ScriptCreator::~ScriptCreator() = default;
+
+ScriptDatabase::ScriptDatabase(ScriptCreator* creator) : _creator(creator) {}
+
+ScriptDatabase::~ScriptDatabase() = default;
+
+QString ScriptDatabase::levelRoot(int level)
+{
+  switch (level) {
+    case LEVEL_SYSTEM: {
+      const QString env = qEnvironmentVariable("ZUT_SYSTEM_SCRIPTS");
+      if (!env.isEmpty())
+        return env;
+      const QString base = QCoreApplication::instance() ? QCoreApplication::applicationDirPath() : QDir::currentPath();
+      return QDir::cleanPath(base + QStringLiteral("/../share/zut/scripts"));
+    }
+    case LEVEL_PUBLIC: return qEnvironmentVariable("ZUT_PUBLIC_SCRIPTS");
+    case LEVEL_USER: {
+      QString base = qEnvironmentVariable("XDG_DATA_HOME");
+      if (base.isEmpty())
+        base = QDir::homePath() + QStringLiteral("/.local/share");
+      return base + QStringLiteral("/zut/scripts");
+    }
+    default: return QString();
+  }
+}
+
+bool ScriptDatabase::isValidFileName(const QString& file_name)
+{
+  if (!file_name.endsWith(PY_SUFFIX) || file_name.size() == PY_SUFFIX.size() || file_name.startsWith(QLatin1Char('/')))
+    return false;
+  for (const QString& part : file_name.split(QLatin1Char('/')))
+    if (part.isEmpty() || part == QLatin1String(".") || part == QLatin1String(".."))
+      return false;
+  return true;
+}
+
+QString ScriptDatabase::makeScriptCommandName(const QString& qualified_name)
+{
+  return QString::fromLatin1(GApp::SCRIPT_COMMAND_PREFIX) + mangle(qualified_name);
+}
+
+QString ScriptDatabase::makeGroupCommandName(const QString& folder_qualified_name)
+{
+  return QStringLiteral("scriptgroup.") + mangle(folder_qualified_name);
+}
+
+bool ScriptDatabase::initialize(bool defer_scan, ErrorLog* log)
+{
+  _scanned = false;
+  if (defer_scan)
+    return true;
+  scan();
+  if (log)
+    log->append(_scan_log);
+  return _scan_log.isEmpty();
+}
+
+void ScriptDatabase::scanLevel(int level, std::map<QString, std::unique_ptr<Script>>& scripts, ErrorLog& log) const
+{
+  const QString root = levelRoot(level);
+  if (root.isEmpty() || !QFileInfo(root).isDir())
+    return;
+  const QDir root_dir(root);
+  QDirIterator it(root, {QStringLiteral("*.py")}, QDir::Files | QDir::Readable, QDirIterator::Subdirectories);
+  while (it.hasNext()) {
+    const QString path = it.next();
+    auto script = std::make_unique<Script>();
+    script->_file_name = root_dir.relativeFilePath(path);
+    script->_path = path;
+    script->_level = level;
+    script->_metadata = readMetadata(path, log);
+    // A higher level hides the script of the same name below it.
+    scripts[script->_file_name] = std::move(script);
+  }
+}
+
+void ScriptDatabase::scan() const
+{
+  _scripts.clear();
+  _folders.clear();
+  _scan_log.clear();
+  for (int level = LEVEL_SYSTEM; level < LEVEL_COUNT; ++level)
+    scanLevel(level, _scripts, _scan_log);
+
+  for (const auto& entry : _scripts) {
+    const Script* script = entry.second.get();
+    QString folder = entry.first.section(QLatin1Char('/'), 0, -2);
+    bool direct = true;
+    while (!folder.isEmpty()) {
+      auto& slot = _folders[folder];
+      if (!slot) {
+        slot = std::make_unique<ScriptFolder>();
+        slot->_qualified_name = folder;
+      }
+      slot->_level = std::max(slot->_level, script->getConfigLevel());
+      if (direct)
+        slot->_scripts.push_back(script);
+      direct = false;
+      folder = folder.section(QLatin1Char('/'), 0, -2);
+    }
+  }
+  _scanned = true;
+
+  // Tell the application when the set of scripts differs from what it saw last in this
+  // process (the first scan always does): it brings its script commands in line.
+  if (!_creator)
+    return;
+  static QByteArray last_fingerprint;
+  QCryptographicHash hash(QCryptographicHash::Sha1);
+  for (const auto& entry : _scripts) {
+    const Script& script = *entry.second;
+    hash.addData(QStringLiteral("%1\n%2\n%3\n%4\n%5\n")
+                     .arg(script._file_name)
+                     .arg(script._level)
+                     .arg(script._metadata.display_name)
+                     .arg(script._metadata.show_in_menu)
+                     .arg(script._metadata.icon)
+                     .toUtf8());
+  }
+  const QByteArray fingerprint = hash.result();
+  if (fingerprint != last_fingerprint) {
+    last_fingerprint = fingerprint;
+    _creator->update(this);
+  }
+}
+
+std::vector<const Script*> ScriptDatabase::getAllScripts() const
+{
+  if (!_scanned)
+    scan();
+  std::vector<const Script*> result;
+  result.reserve(_scripts.size());
+  for (const auto& entry : _scripts)
+    result.push_back(entry.second.get());
+  return result;
+}
+
+std::vector<ScriptFolder*> ScriptDatabase::getAllFolders() const
+{
+  if (!_scanned)
+    scan();
+  std::vector<ScriptFolder*> result;
+  result.reserve(_folders.size());
+  for (const auto& entry : _folders)
+    result.push_back(entry.second.get());
+  return result;
+}
+
+const Script* ScriptDatabase::getScript(const QString& file_name) const
+{
+  if (!_scanned)
+    scan();
+  const auto found = _scripts.find(file_name);
+  return found == _scripts.end() ? nullptr : found->second.get();
+}
+
+ScriptFolder* ScriptDatabase::getFolder(const QString& qualified_name) const
+{
+  if (!_scanned)
+    scan();
+  const auto found = _folders.find(qualified_name);
+  return found == _folders.end() ? nullptr : found->second.get();
+}
+
+bool ScriptDatabase::readScriptBytes(const QString& file_name, QByteArray& code, QByteArray* icon, ErrorLog& log) const
+{
+  const Script* script = getScript(file_name);
+  if (!script) {
+    log.addLine(QStringLiteral("There is no script '%1' in the script database.").arg(file_name));
+    return false;
+  }
+  QFile file(script->getPath());
+  if (!file.open(QIODevice::ReadOnly)) {
+    log.addLine(QStringLiteral("%1: %2").arg(QDir::toNativeSeparators(file.fileName()), file.errorString()));
+    return false;
+  }
+  code = file.readAll();
+  if (icon && !script->getMetadata().icon.isEmpty()) {
+    QFile icon_file(script->getIconPath());
+    if (!icon_file.open(QIODevice::ReadOnly)) {
+      log.addLine(
+          QStringLiteral("%1: %2").arg(QDir::toNativeSeparators(icon_file.fileName()), icon_file.errorString()));
+      return false;
+    }
+    *icon = icon_file.readAll();
+  }
+  return true;
+}
+
+Script* ScriptDatabase::createLoadedScript(const QString& file_name, ErrorLog& log) const
+{
+  QByteArray code;
+  if (!readScriptBytes(file_name, code, nullptr, log))
+    return nullptr;
+  const Script* script = getScript(file_name);
+  auto* loaded = new Script;
+  loaded->_file_name = script->_file_name;
+  loaded->_path = script->_path;
+  loaded->_level = script->_level;
+  loaded->_metadata = script->_metadata;
+  loaded->_code = QString::fromUtf8(code);
+  return loaded;
+}
+
+bool ScriptDatabase::writeScript(int level, const QString& file_name, const QByteArray& code,
+                                 const ScriptMetadata& metadata, ErrorLog& log, const QByteArray& icon)
+{
+  if (level != LEVEL_PUBLIC && level != LEVEL_USER) {
+    log.addLine(level == LEVEL_SYSTEM ? QStringLiteral("The system level of the script database is read-only.")
+                                      : QStringLiteral("There is no configuration level %1.").arg(level));
+    return false;
+  }
+  const QString root = levelRoot(level);
+  if (root.isEmpty()) {
+    log.addLine(
+        QStringLiteral("The public level of the script database has no folder (ZUT_PUBLIC_SCRIPTS is not set)."));
+    return false;
+  }
+  if (!isValidFileName(file_name)) {
+    log.addLine(QStringLiteral("'%1' is not a valid script name.").arg(file_name));
+    return false;
+  }
+  if (!metadata.icon.isEmpty() && (metadata.icon.contains(QLatin1Char('/')) || metadata.icon == QLatin1String(".") ||
+                                   metadata.icon == QLatin1String(".."))) {
+    log.addLine(
+        QStringLiteral("'%1' is not a valid icon name: icons are kept beside their script.").arg(metadata.icon));
+    return false;
+  }
+  const QString path = QDir(root).filePath(file_name);
+  if (!icon.isEmpty() && !metadata.icon.isEmpty() &&
+      !writeAtomically(QFileInfo(path).dir().filePath(metadata.icon), icon, log))
+    return false;
+  if (!writeAtomically(path, code, log))
+    return false;
+  const QString meta_path = metadataPath(path);
+  if (metadata.isDefault()) {
+    QFile::remove(meta_path);
+  } else if (!writeAtomically(meta_path, metadataJson(metadata), log)) {
+    return false;
+  }
+  _scanned = false;
+  return true;
+}
+
+void ScriptDatabase::setCurrentScript(const QString& file_name)
+{
+  _current_script = file_name;
+}
+
+const Script* ScriptDatabase::getCurrentScript() const
+{
+  return _current_script.isEmpty() ? nullptr : getScript(_current_script);
+}
+
+}  // namespace Vel::GScript

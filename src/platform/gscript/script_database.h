@@ -1,0 +1,163 @@
+#pragma once
+
+#include <QPixmap>
+#include <QString>
+#include <QStringList>
+
+#include <map>
+#include <memory>
+#include <vector>
+
+#include "core/error_log.h"
+#include "core/vel_export.h"
+
+namespace Vel::GScript {
+
+class ScriptDatabase;
+
+// The three folder trees of scripts. A script at a higher level hides the script of the same
+// name below it: users override public scripts, which override the installation's.
+enum ConfigLevel
+{
+  LEVEL_SYSTEM = 0,  // share/zut/scripts of the installation, read-only
+  LEVEL_PUBLIC = 1,  // $ZUT_PUBLIC_SCRIPTS
+  LEVEL_USER = 2     // $XDG_DATA_HOME/zut/scripts
+};
+constexpr int LEVEL_COUNT = 3;
+
+// What the metadata file beside a script says ("<name>.meta.json").
+struct VEL_EXPORT ScriptMetadata
+{
+  QString display_name;  // empty: the script's base name
+  bool show_in_menu = true;
+  QString icon;  // image file, relative to the script's folder; empty: none
+
+  bool isDefault() const { return display_name.isEmpty() && show_in_menu && icon.isEmpty(); }
+};
+
+class VEL_EXPORT Script
+{
+public:
+  // The database file name: the path below the level's root with '/' ("tools/helpers.py").
+  // Unique in the database; the key for loading and for the running-script stack.
+  const QString& getFileName() const { return _file_name; }
+  // The file name without ".py" ("tools/helpers").
+  QString getQualifiedName() const;
+  QString getDisplayName() const;
+  bool getShowInMenu() const { return _metadata.show_in_menu; }
+  const ScriptMetadata& getMetadata() const { return _metadata; }
+  // The script's own icon; null when it has none or the image cannot be read.
+  const QPixmap* getPixmap() const;
+  int getConfigLevel() const { return _level; }
+  // Where the script is on disk.
+  const QString& getPath() const { return _path; }
+  QString getIconPath() const;
+  // The text, for scripts made by createLoadedScript; empty otherwise.
+  const QString& getCode() const { return _code; }
+
+private:
+  friend class ScriptDatabase;
+  QString _file_name;
+  QString _path;
+  int _level = LEVEL_USER;
+  ScriptMetadata _metadata;
+  QString _code;
+  mutable bool _pixmap_loaded = false;
+  mutable std::unique_ptr<QPixmap> _pixmap;
+};
+
+// A folder of scripts, merged over the levels that have it.
+class VEL_EXPORT ScriptFolder
+{
+public:
+  // The path below the level roots ("tools"); empty for the root.
+  const QString& getQualifiedName() const { return _qualified_name; }
+  // The highest level that has the folder.
+  int getConfigLevel() const { return _level; }
+  // The visible scripts directly in the folder, ordered by file name.
+  const std::vector<const Script*>& getScripts() const { return _scripts; }
+
+private:
+  friend class ScriptDatabase;
+  QString _qualified_name;
+  int _level = LEVEL_SYSTEM;
+  std::vector<const Script*> _scripts;
+};
+
+// What the application does when the user asks, in the script views, to import or export, and
+// what it does after the set of scripts changed. The database owns its creator.
+class VEL_EXPORT ScriptCreator
+{
+public:
+  virtual ~ScriptCreator();
+  virtual void importScript(ScriptFolder* folder) const = 0;
+  virtual void exportScript() const = 0;
+  virtual void importScriptArchive() const = 0;
+  virtual void exportScriptArchive() const = 0;
+  virtual void update(const ScriptDatabase* database) const = 0;
+};
+
+// The scripts of the three levels as they are on disk when the database is initialised.
+class VEL_EXPORT ScriptDatabase
+{
+public:
+  // Without a creator the database only reads (listings that must not act on changes).
+  explicit ScriptDatabase(ScriptCreator* creator);
+  ~ScriptDatabase();
+  ScriptDatabase(const ScriptDatabase&) = delete;
+  ScriptDatabase& operator=(const ScriptDatabase&) = delete;
+
+  // Reads the level folders; when the scripts differ from those last read in this process,
+  // the creator is told (update). With `defer_scan` the folders are read at the first question
+  // about the scripts instead (a caller that only wants the current script pays nothing).
+  // False when something could not be read; what could be read is there all the same, and
+  // the log says what was wrong.
+  bool initialize(bool defer_scan, ErrorLog* log);
+
+  // Visible scripts, ordered by file name.
+  std::vector<const Script*> getAllScripts() const;
+  // Every folder below the roots that holds visible scripts or folders, ordered by name.
+  std::vector<ScriptFolder*> getAllFolders() const;
+  const Script* getScript(const QString& file_name) const;
+  ScriptFolder* getFolder(const QString& qualified_name) const;
+
+  // A new script object with its text loaded from disk; the caller deletes it. Null (with the
+  // reason in `log`) when there is no such script or it cannot be read.
+  Script* createLoadedScript(const QString& file_name, ErrorLog& log) const;
+
+  // Writes a script (text byte for byte, metadata beside it) at a level. Refuses the system
+  // level, names that leave the level's root, and failed writes; the database is read again.
+  bool writeScript(int level, const QString& file_name, const QByteArray& code, const ScriptMetadata& metadata,
+                   ErrorLog& log, const QByteArray& icon = QByteArray());
+  // The raw bytes of a script and of its icon, for export.
+  bool readScriptBytes(const QString& file_name, QByteArray& code, QByteArray* icon, ErrorLog& log) const;
+
+  // The script that the editor works on.
+  void setCurrentScript(const QString& file_name);
+  const Script* getCurrentScript() const;
+
+  ScriptCreator* getCreator() const { return _creator.get(); }
+
+  // "userscript." and the qualified name with '/' as '.' and every character that cannot be in
+  // a Python identifier as '_' ("userscript.my_tools.grüße").
+  static QString makeScriptCommandName(const QString& qualified_name);
+  // The tool-bar group of a folder's scripts ("scriptgroup.my_tools").
+  static QString makeGroupCommandName(const QString& folder_qualified_name);
+  // A level's root folder.
+  static QString levelRoot(int level);
+  // Whether `file_name` is a database file name: relative, '.py', no "." or ".." parts.
+  static bool isValidFileName(const QString& file_name);
+
+private:
+  void scan() const;
+  void scanLevel(int level, std::map<QString, std::unique_ptr<Script>>& scripts, ErrorLog& log) const;
+
+  std::unique_ptr<ScriptCreator> _creator;
+  mutable bool _scanned = false;
+  mutable std::map<QString, std::unique_ptr<Script>> _scripts;
+  mutable std::map<QString, std::unique_ptr<ScriptFolder>> _folders;
+  mutable ErrorLog _scan_log;
+  QString _current_script;
+};
+
+}  // namespace Vel::GScript
