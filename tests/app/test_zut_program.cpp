@@ -28,6 +28,8 @@ protected:
     QProcess process;
     QProcessEnvironment environment = QProcessEnvironment::systemEnvironment();
     environment.insert(QStringLiteral("XDG_CONFIG_HOME"), home.filePath(QStringLiteral("config")));
+    environment.insert(QStringLiteral("XDG_DATA_HOME"), home.filePath(QStringLiteral("data")));
+    environment.remove(QStringLiteral("ZUT_PUBLIC_SCRIPTS"));
     environment.remove(QStringLiteral("DISPLAY"));
     environment.remove(QStringLiteral("QT_QPA_PLATFORM"));
     process.setProcessEnvironment(environment);
@@ -164,4 +166,25 @@ TEST_F(ZutProgram, ExampleScriptsRun)
   const Result nested = zut({QStringLiteral("run"), examples + QStringLiteral("nested.py")});
   EXPECT_EQ(nested.status, 0) << qPrintable(nested.err);
   EXPECT_TRUE(nested.out.endsWith(QStringLiteral("level 0\n"))) << qPrintable(nested.out);
+}
+
+TEST_F(ZutProgram, ScriptsDroppedIntoTheUserLevelBecomeCommands)
+{
+  const QString scripts = home.filePath(QStringLiteral("data/zut/scripts"));
+  QDir().mkpath(scripts + QStringLiteral("/my tools"));
+  writeFile(scripts + QStringLiteral("/hello.py"), "import zut\nprint('hello', PARAMETERS.get('n', 0))\n");
+  writeFile(scripts + QStringLiteral("/my tools/grüße.py"),
+            "import zut\nprint(zut.script.userscript.hello(parameters={'n': 7}, collect_stdout=True), end='')\n");
+
+  const Result call = zut({QStringLiteral("call"), QStringLiteral("userscript.my_tools.grüße")});
+  EXPECT_EQ(call.status, 0) << qPrintable(call.err);
+  EXPECT_EQ(call.out, QStringLiteral("hello 7\n"));
+
+  const QJsonArray list =
+      QJsonDocument::fromJson(zut({QStringLiteral("scripts"), QStringLiteral("--json")}).out.toUtf8()).array();
+  ASSERT_EQ(list.size(), 2);
+  EXPECT_EQ(list[1].toObject().value(QStringLiteral("qualified_name")).toString(), QStringLiteral("my tools/grüße"));
+  EXPECT_EQ(list[1].toObject().value(QStringLiteral("command")).toString(),
+            QStringLiteral("userscript.my_tools.grüße"));
+  EXPECT_EQ(list[1].toObject().value(QStringLiteral("level")).toString(), QStringLiteral("user"));
 }
