@@ -1,5 +1,6 @@
 #include "menu/msys_script/msys_cmd_script.h"
 
+#include <algorithm>
 #include <map>
 
 #include "core/prog_error.h"
@@ -73,6 +74,7 @@ void ScriptCommand::updateFromScript(const GScript::Script& script)
 {
   _script_file_name = script.getFileName();
   _qualified_name = script.getQualifiedName();
+  _show_in_menu = script.getShowInMenu();
   // The level shows in the title only for scripts with an icon of their own.
   QString pattern = translate("MSysScript_MenuHandler_other", "%1 (script)", "id=10047");
   if (const QPixmap* pixmap = script.getPixmap()) {
@@ -105,7 +107,9 @@ void ScriptCommand::update(const GScript::ScriptDatabase& database)
     if (found != wanted.end()) {
       command->updateFromScript(*found->second);
       wanted.erase(found);
-    } else {
+    } else if (std::find(PythonScriptDatabase::begin(), PythonScriptDatabase::end(), command->getScriptFileName()) ==
+               PythonScriptDatabase::end()) {
+      // A command whose script is running stays until a later update: it is still executing.
       delete command;
     }
   }

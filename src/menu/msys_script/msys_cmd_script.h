@@ -33,6 +33,7 @@ public:
   const QString& getScriptFileName() const { return _script_file_name; }
   const QString& getQualifiedName() const { return _qualified_name; }
   const QIcon* getIcon() const { return _icon.get(); }
+  bool getShowInMenu() const { return _show_in_menu; }
 
   // Brings the script commands and the folders' group commands in line with the database;
   // commands of unchanged scripts stay the same objects.
@@ -43,6 +44,7 @@ private:
   QString _script_file_name;
   QString _qualified_name;
   std::unique_ptr<QIcon> _icon;
+  bool _show_in_menu = true;
 };
 
 }  // namespace Vel::MSysScript

@@ -93,9 +93,11 @@ void PythonScriptCreator::update(const GScript::ScriptDatabase* database) const
 
 void installDatabaseImportHandler()
 {
-  // Lives until the module is unloaded.
-  static DatabaseImportHandler* handler = new DatabaseImportHandler;
-  (void)handler;
+  // Lives as long as the process: the interpreter may import through it until the end.
+  static bool installed = false;
+  if (!installed)
+    new DatabaseImportHandler;
+  installed = true;
 }
 
 }  // namespace Vel::MSysScript

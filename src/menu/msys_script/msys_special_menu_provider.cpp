@@ -4,6 +4,8 @@
 
 #include "core/prog_error.h"
 #include "gapp/command_container.h"
+#include "gscript/script_database.h"
+#include "menu/msys_script/msys_cmd_script.h"
 
 namespace Vel::MSysScript {
 namespace {
@@ -47,6 +49,58 @@ QString ScriptSpecialMenuProvider::getMenuId() const
   return QString::fromLatin1(MENU_ID);
 }
 
+namespace {
+
+QAction* addCommand(QMenu* menu, const GApp::Command* command, const QIcon& icon = QIcon())
+{
+  const QString command_name = command->getName();
+  QAction* action = menu->addAction(icon, command->getMenuTitle());
+  action->setObjectName(command_name);
+  // Looked up again when triggered: the command may have been replaced meanwhile.
+  QObject::connect(action, &QAction::triggered, menu, [command_name] {
+    if (GApp::Command* current = GApp::CommandContainer::getInstance().getCommand(command_name))
+      GApp::MainWindow::executeMenu(current);
+  });
+  return action;
+}
+
+// The database's scripts: those at the top directly, those in folders in a sub-menu per folder
+// (the folder's group), each as its command.
+void addScripts(QMenu* menu)
+{
+  const GApp::CommandContainer& container = GApp::CommandContainer::getInstance();
+  const QString prefix = QString::fromLatin1(GApp::SCRIPT_COMMAND_PREFIX);
+  bool separated = false;
+  auto separate = [&] {
+    if (!separated)
+      menu->addSeparator();
+    separated = true;
+  };
+  for (auto it = container.lowerBound(prefix); it != container.end() && it->first.startsWith(prefix); ++it) {
+    const auto* script = dynamic_cast<const ScriptCommand*>(it->second);
+    if (!script || !script->getShowInMenu() || script->getQualifiedName().contains(QLatin1Char('/')))
+      continue;
+    separate();
+    addCommand(menu, script, script->getIcon() ? *script->getIcon() : QIcon());
+  }
+  const QString group_prefix = GScript::ScriptDatabase::makeGroupCommandName(QString());
+  for (auto it = container.lowerBound(group_prefix); it != container.end() && it->first.startsWith(group_prefix);
+       ++it) {
+    const auto* group = dynamic_cast<const GApp::ToolBarGroupCommand*>(it->second);
+    if (!group || group->getCommands().isEmpty())
+      continue;
+    separate();
+    const auto* first = dynamic_cast<const ScriptCommand*>(container.getCommand(group->getCommands().first()));
+    QMenu* sub = menu->addMenu(first ? first->getQualifiedName().section(QLatin1Char('/'), 0, -2) : group->getName());
+    sub->setObjectName(group->getName());
+    for (const QString& name : group->getCommands())
+      if (const auto* script = dynamic_cast<const ScriptCommand*>(container.getCommand(name)))
+        addCommand(sub, script, script->getIcon() ? *script->getIcon() : QIcon());
+  }
+}
+
+}  // namespace
+
 void ScriptSpecialMenuProvider::fillMenu(QMenu* menu) const
 {
   for (const char* name : MENU_COMMANDS) {
@@ -54,18 +108,10 @@ void ScriptSpecialMenuProvider::fillMenu(QMenu* menu) const
       menu->addSeparator();
       continue;
     }
-    GApp::Command* command = GApp::CommandContainer::getInstance().getCommand(QString::fromLatin1(name));
-    if (!command)
-      continue;
-    const QString command_name = command->getName();
-    QAction* action = menu->addAction(command->getMenuTitle());
-    action->setObjectName(command_name);
-    // Looked up again when triggered: the command may have been replaced meanwhile.
-    QObject::connect(action, &QAction::triggered, menu, [command_name] {
-      if (GApp::Command* current = GApp::CommandContainer::getInstance().getCommand(command_name))
-        GApp::MainWindow::executeMenu(current);
-    });
+    if (GApp::Command* command = GApp::CommandContainer::getInstance().getCommand(QString::fromLatin1(name)))
+      addCommand(menu, command);
   }
+  addScripts(menu);
 }
 
 }  // namespace Vel::MSysScript

@@ -4,10 +4,11 @@
 
 namespace Vel::GScript {
 namespace {
+// Never destroyed: sources of plug-ins live until the process ends.
 std::vector<ImportHandlerSource*>& sources()
 {
-  static std::vector<ImportHandlerSource*> list;
-  return list;
+  static auto* list = new std::vector<ImportHandlerSource*>;
+  return *list;
 }
 }  // namespace
 

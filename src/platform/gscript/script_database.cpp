@@ -1,7 +1,6 @@
 #include "gscript/script_database.h"
 
 #include <QCoreApplication>
-#include <QCryptographicHash>
 #include <QDir>
 #include <QDirIterator>
 #include <QFile>
@@ -217,28 +216,6 @@ void ScriptDatabase::scan() const
     }
   }
   _scanned = true;
-
-  // Tell the application when the set of scripts differs from what it saw last in this
-  // process (the first scan always does): it brings its script commands in line.
-  if (!_creator)
-    return;
-  static QByteArray last_fingerprint;
-  QCryptographicHash hash(QCryptographicHash::Sha1);
-  for (const auto& entry : _scripts) {
-    const Script& script = *entry.second;
-    hash.addData(QStringLiteral("%1\n%2\n%3\n%4\n%5\n")
-                     .arg(script._file_name)
-                     .arg(script._level)
-                     .arg(script._metadata.display_name)
-                     .arg(script._metadata.show_in_menu)
-                     .arg(script._metadata.icon)
-                     .toUtf8());
-  }
-  const QByteArray fingerprint = hash.result();
-  if (fingerprint != last_fingerprint) {
-    last_fingerprint = fingerprint;
-    _creator->update(this);
-  }
 }
 
 std::vector<const Script*> ScriptDatabase::getAllScripts() const

@@ -101,14 +101,13 @@ public:
 class VEL_EXPORT ScriptDatabase
 {
 public:
-  // Without a creator the database only reads (listings that must not act on changes).
+  // Takes the creator (may be null for a database that only lists).
   explicit ScriptDatabase(ScriptCreator* creator);
   ~ScriptDatabase();
   ScriptDatabase(const ScriptDatabase&) = delete;
   ScriptDatabase& operator=(const ScriptDatabase&) = delete;
 
-  // Reads the level folders; when the scripts differ from those last read in this process,
-  // the creator is told (update). With `defer_scan` the folders are read at the first question
+  // Reads the level folders. With `defer_scan` the folders are read at the first question
   // about the scripts instead (a caller that only wants the current script pays nothing).
   // False when something could not be read; what could be read is there all the same, and
   // the log says what was wrong.

@@ -91,10 +91,12 @@ protected:
 TEST_F(ArchiveTest, ExportThenImportIntoAnEmptyDatabaseGivesTheSameFilesByteForByte)
 {
   add(QStringLiteral("plain.py"), "print('a')\r\n\tno newline at end");
-  add(QStringLiteral("tools/grüße mit Leerzeichen.py"), QByteArray("x = 'ä'\n\x00\xff binary tail", 27));
+  static const char binary[] = "x = '\xc3\xa4'\n\x00\xff binary tail";
+  add(QStringLiteral("tools/grüße mit Leerzeichen.py"), QByteArray(binary, sizeof(binary) - 1));
   add(QStringLiteral("tools/grüße mit Leerzeichen.meta.json"),
       "{\n    \"display_name\": \"Grüße\",\n    \"icon\": \"icon.png\",\n    \"show_in_menu\": false\n}\n");
-  add(QStringLiteral("tools/icon.png"), QByteArray("\x89PNG not really an image", 24));
+  static const char icon[] = "\x89PNG not really an image";
+  add(QStringLiteral("tools/icon.png"), QByteArray(icon, sizeof(icon) - 1));
   UpdateRegisteredCommands();
   const auto before = snapshot(user);
 

@@ -1,12 +1,15 @@
 #include <QDir>
 #include <QFile>
 #include <QImage>
+#include <QMenu>
 #include <QTemporaryDir>
 
 #include <gtest/gtest.h>
 
 #include "core/prog_error.h"
+#include "core/python_string.h"
 #include "gapp/command_container.h"
+#include "gapp/main_window.h"
 #include "gscript/import_handler.h"
 #include "gscript/python_interpreter.h"
 #include "gscript/script_database.h"
@@ -14,6 +17,7 @@
 #include "menu/msys_script/msys_cmd_editor.h"
 #include "menu/msys_script/msys_cmd_script.h"
 #include "menu/msys_script/msys_python_script_database.h"
+#include "menu/msys_script/msys_special_menu_provider.h"
 #include "msys_fixture.h"
 #include "test_util.h"
 
@@ -335,4 +339,49 @@ TEST_F(ScriptDatabaseTest, ScriptsImportEachOtherByForwardSlashNames)
   CommandParameters code;
   code.set(QStringLiteral("code"), QStringLiteral("import json\nimport sys\nsys.modules.pop('tools.helpers', None)"));
   EXPECT_NO_THROW(run(QStringLiteral("sys.execute_python_code"), code));
+}
+
+TEST_F(ScriptDatabaseTest, ScriptsMenuOffersTheScriptsThatShowInMenus)
+{
+  add(GScript::LEVEL_USER, QStringLiteral("top.py"), "pass\n");
+  add(GScript::LEVEL_USER, QStringLiteral("quiet.py"), "pass\n");
+  add(GScript::LEVEL_USER, QStringLiteral("quiet.meta.json"), R"({"show_in_menu": false})");
+  add(GScript::LEVEL_PUBLIC, QStringLiteral("my tools/grüße.py"), "pass\n");
+  refresh();
+  QMenu menu;
+  GApp::MainWindow::fillSpecialMenu(QString::fromLatin1(ScriptSpecialMenuProvider::MENU_ID), &menu);
+  QStringList entries;
+  for (QAction* action : menu.actions()) {
+    if (action->menu()) {
+      entries << action->text() + QStringLiteral(":");
+      for (QAction* sub : action->menu()->actions())
+        entries << QStringLiteral("  ") + sub->objectName();
+    } else if (!action->isSeparator()) {
+      entries << action->objectName();
+    }
+  }
+  EXPECT_EQ(entries.mid(6), (QStringList{QStringLiteral("userscript.top"), QStringLiteral("my tools:"),
+                                         QStringLiteral("  userscript.my_tools.grüße")}));
+  if (!qEnvironmentVariableIsEmpty("ZUT_SCREENSHOT_DIR"))
+    menu.grab().save(qEnvironmentVariable("ZUT_SCREENSHOT_DIR") + QStringLiteral("/scripts_menu.png"));
+}
+
+TEST_F(ScriptDatabaseTest, ARunningScriptKeepsItsCommandUntilItEnds)
+{
+  // The script removes itself and makes the commands follow the database while it runs.
+  const QString other = add(GScript::LEVEL_SYSTEM, QStringLiteral("other.py"), "pass\n");
+  add(GScript::LEVEL_USER, QStringLiteral("vanishing.py"),
+      QStringLiteral("import os, zut\n"
+                     "os.remove(__file__)\n"
+                     "zut.script.sys.import_script(files=[%1], names=['copied'])\n"
+                     "print('still running')\n")
+          .arg(Vel::quotePythonString(other))
+          .toUtf8());
+  refresh();
+  CommandParameters parameters;
+  parameters.set(QStringLiteral("collect_stdout"), true);
+  EXPECT_EQ(run(QStringLiteral("userscript.vanishing"), parameters), QVariant(QStringLiteral("still running\n")));
+  EXPECT_NE(command(QStringLiteral("userscript.copied")), nullptr);
+  refresh();
+  EXPECT_EQ(command(QStringLiteral("userscript.vanishing")), nullptr);
 }
