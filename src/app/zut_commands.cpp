@@ -1,8 +1,13 @@
 #include "zut_commands.h"
 
+#include <QApplication>
+#include <QFile>
+#include <QFileInfo>
+#include <QGuiApplication>
 #include <QJsonArray>
 #include <QJsonDocument>
 #include <QJsonObject>
+#include <QMainWindow>
 
 #include <cstdio>
 
@@ -10,6 +15,7 @@
 #include "core/prog_error.h"
 #include "gapp/command.h"
 #include "gapp/command_container.h"
+#include "gapp/module_loader.h"
 #include "gapp/trait.h"
 #include "gscript/python_interpreter.h"
 #include "gscript/script_database.h"
@@ -280,6 +286,93 @@ int listScripts(ZutHost&, const QStringList& arguments, bool json)
   return EXIT_OK;
 }
 
+bool readSource(const char* sub_command, const QString& path, QByteArray& text)
+{
+  QFile file(path);
+  if (!file.open(QIODevice::ReadOnly)) {
+    printErr(QStringLiteral("zut %1: %2: %3\n").arg(QString::fromLatin1(sub_command), path, file.errorString()));
+    return false;
+  }
+  text = file.readAll();
+  return true;
+}
+
+// The module's own parser and highlighter, through the functions it exports for tools.
+int analyze(ZutHost& host, const char* what, const QStringList& arguments, bool json)
+{
+  if (arguments.size() != 1)
+    return usage(what, QStringLiteral("exactly one FILE.py is expected"));
+  using Analyze = char* (*)(const char*, const char*, int);
+  using Free = void (*)(char*);
+  const auto analyze_text = reinterpret_cast<Analyze>(host.module()->resolve("AnalyzePythonText"));
+  const auto free_analysis = reinterpret_cast<Free>(host.module()->resolve("FreeAnalysis"));
+  if (!analyze_text || !free_analysis) {
+    printErr(
+        QStringLiteral("zut %1: the scripting module cannot analyse Python text\n").arg(QString::fromLatin1(what)));
+    return EXIT_FAILED;
+  }
+  QByteArray text;
+  if (!readSource(what, arguments.first(), text))
+    return EXIT_FAILED;
+  char* result = analyze_text(what, text.constData(), json ? 1 : 0);
+  if (!result)
+    return EXIT_FAILED;
+  printOut(QString::fromUtf8(result));
+  free_analysis(result);
+  return EXIT_OK;
+}
+
+int blocks(ZutHost& host, const QStringList& arguments, bool json)
+{
+  return analyze(host, "blocks", arguments, json);
+}
+
+int highlight(ZutHost& host, const QStringList& arguments, bool json)
+{
+  return analyze(host, "highlight", arguments, json);
+}
+
+int editor(ZutHost&, const QStringList& arguments, bool)
+{
+  QString file;
+  QString screenshot;
+  for (int i = 0; i < arguments.size(); ++i) {
+    if (arguments[i] == QLatin1String("--screenshot")) {
+      if (++i >= arguments.size())
+        return usage("editor", QStringLiteral("--screenshot needs a PNG file name"));
+      screenshot = arguments[i];
+    } else if (file.isEmpty()) {
+      file = arguments[i];
+    } else {
+      return usage("editor", QStringLiteral("unexpected argument '%1'").arg(arguments[i]));
+    }
+  }
+  if (screenshot.isEmpty() && QGuiApplication::platformName() == QLatin1String("offscreen"))
+    return usage("editor", QStringLiteral("there is no display (DISPLAY is not set)"));
+  Vel::GApp::CommandParameters parameters;
+  if (!file.isEmpty())
+    parameters.set(QStringLiteral("file"), QVariant(QFileInfo(file).absoluteFilePath()));
+  const int status = runCommand(QStringLiteral("sys.show_script_editor"), parameters, false, false);
+  if (status != EXIT_OK)
+    return status;
+  QWidget* window = nullptr;
+  for (QWidget* widget : QApplication::topLevelWidgets())
+    if (widget->isVisible() && qobject_cast<QMainWindow*>(widget))
+      window = widget;
+  if (!screenshot.isEmpty()) {
+    // Let the editor lay itself out and colour the text before the picture is taken.
+    for (int round = 0; round < 5; ++round)
+      QCoreApplication::processEvents();
+    if (!window || !window->grab().save(screenshot)) {
+      printErr(QStringLiteral("zut editor: cannot write %1\n").arg(screenshot));
+      return EXIT_FAILED;
+    }
+    window->close();
+    return EXIT_OK;
+  }
+  return QApplication::exec() == 0 ? EXIT_OK : EXIT_FAILED;
+}
+
 const SubCommand SUB_COMMANDS[] = {
     {"run", "FILE.py [-p NAME=VALUE]...",
      "Runs a Python script file through the command sys.execute_script. Each -p passes a parameter,\n"
@@ -292,6 +385,20 @@ const SubCommand SUB_COMMANDS[] = {
      "(3, True, [1, 2], {'a': 1}), or taken as text when it is none.",
      true, callCommand},
     {"commands", "[--json]", "Lists the registered commands: name, title and kind.", true, listCommands},
+    {"editor", "[FILE.py] [--screenshot PNG]",
+     "Opens the script editor on a file (created when saved), or on the script database's current\n"
+     "script. F5 runs the text, Ctrl+S saves. --screenshot writes a picture of the editor and\n"
+     "exits (works without a display).",
+     true, editor},
+    {"blocks", "FILE.py [--json]",
+     "Prints the foldable blocks of a Python file as the editor finds them: first and last line,\n"
+     "0-based, one block a line.",
+     true, blocks},
+    {"highlight", "FILE.py [--json]",
+     "Prints the colour runs of a Python file as the editor colours them: line, start, length and\n"
+     "colour role (0 comment, 2 string, 3 special method, 4 keyword, 5 builtin, 6 interactive\n"
+     "command or database script, 7 script command).",
+     true, highlight},
     {"scripts", "[--json]",
      "Lists the script database: level (system, public, user), qualified name and the command that\n"
      "runs the script. User scripts live in $XDG_DATA_HOME/zut/scripts (~/.local/share/zut/scripts),\n"

@@ -22,6 +22,7 @@ public:
   void stop();
 
   Vel::Cfg& cfg() { return *_cfg; }
+  Vel::GApp::ModuleLoader* module() { return _module.get(); }
 
 private:
   std::unique_ptr<Vel::Cfg> _cfg;

@@ -101,7 +101,7 @@ TEST_F(ZutProgram, FailuresPrintCodeMessageAndLogAndExitOne)
       << qPrintable(failed.err);
   EXPECT_TRUE(failed.err.contains(QStringLiteral("ZeroDivisionError"))) << qPrintable(failed.err);
 
-  const Result placeholder = zut({QStringLiteral("call"), QStringLiteral("sys.show_script_editor")});
+  const Result placeholder = zut({QStringLiteral("call"), QStringLiteral("sys.create_user_defined_dialog")});
   EXPECT_EQ(placeholder.status, 1);
   EXPECT_TRUE(placeholder.err.contains(QStringLiteral("not available yet"))) << qPrintable(placeholder.err);
 }

@@ -1,5 +1,9 @@
 #include "menu/msys_script/msys_cmd_editor.h"
 
+#include "gscript/script_database.h"
+#include "menu/msys_script/msys_error_codes.h"
+#include "menu/msys_script/msys_python_script_database.h"
+
 namespace Vel::MSysScript {
 
 EditorCommand::EditorCommand()
@@ -7,9 +11,33 @@ EditorCommand::EditorCommand()
                   {"MSysScript_menu", "Edit Script", "id=9985"})
 {}
 
-void EditorCommand::execute(const GApp::CommandParameters&)
+EditorCommand::~EditorCommand()
 {
-  failNotAvailable();
+  destroyDialog();
+}
+
+void EditorCommand::destroyDialog()
+{
+  delete _dialog.data();
+}
+
+void EditorCommand::execute(const GApp::CommandParameters& parameters)
+{
+  if (!_dialog)
+    _dialog = new ScriptEditorDialog;
+  ErrorLog log;
+  if (parameters.contains(QStringLiteral("file"))) {
+    if (!_dialog->openFile(getArgument<QString>(parameters, QStringLiteral("file")), log))
+      throw GApp::CommandError(QString::fromLatin1(ERR_LOAD_SCRIPT), log);
+  } else {
+    DatabaseLock database;
+    const GScript::Script* current = database ? database->getCurrentScript() : nullptr;
+    if (current && !_dialog->openDatabaseScript(current->getFileName(), log))
+      throw GApp::CommandError(QString::fromLatin1(ERR_LOAD_SCRIPT), log);
+  }
+  _dialog->show();
+  _dialog->raise();
+  _dialog->activateWindow();
 }
 
 }  // namespace Vel::MSysScript

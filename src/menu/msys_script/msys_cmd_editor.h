@@ -1,19 +1,25 @@
 #pragma once
 
+#include <QPointer>
+
 #include "menu/msys_script/msys_cmd_base.h"
+#include "menu/msys_script/msys_dlg_script_editor.h"
 
 namespace Vel::MSysScript {
 
-// "sys.show_script_editor": opens the script editor.
+// "sys.show_script_editor": opens the script editor on the database's current script. The
+// program passes a file to edit as the optional argument "file" (not offered to scripts).
 class EditorCommand : public MSysCommand
 {
 public:
   EditorCommand();
+  ~EditorCommand() override;
   void execute(const GApp::CommandParameters& parameters) override;
 
-  // Whether the editor dialog exists (exit handling saves and closes it). There is no editor
-  // dialog yet, so never.
-  bool hasDialog() const { return false; }
+  // The editor dialog, while it exists (exit handling saves and closes it).
+  bool hasDialog() const { return !_dialog.isNull(); }
+  ScriptEditorDialog* getDialog() const { return _dialog.data(); }
+  void destroyDialog();
 
   // Whether the editor records the user's commands into the current script; script commands
   // refuse to run the script being recorded.
@@ -22,6 +28,7 @@ public:
 
 private:
   bool _recording = false;
+  QPointer<ScriptEditorDialog> _dialog;
 };
 
 }  // namespace Vel::MSysScript

@@ -9,7 +9,11 @@
 namespace Vel::MSysScript {
 namespace {
 const double MAX_DOUBLE = std::numeric_limits<double>::max();
-}
+CfgNode* configuration_root = nullptr;
+}  // namespace
+
+CfgNode* configurationRoot() { return configuration_root; }
+void setConfigurationRoot(CfgNode* root) { configuration_root = root; }
 
 void declareConfiguration(CfgNode* root)
 {

@@ -59,6 +59,10 @@ constexpr const char* CFG_PAGE_TEMPLATES = "templates/ManageScriptDialogTemplate
 // Every item is declared with this host item flag.
 constexpr int CFG_FLAGS = 2;
 
+// The configuration root the module was started with (null before InitLibrary).
+CfgNode* configurationRoot();
+void setConfigurationRoot(CfgNode* root);
+
 // The editor, export, break-dialog, dialog-editor and widget items.
 void declareConfiguration(CfgNode* root);
 // The template page and the template-selection, update-dialog, template-database and list-editor

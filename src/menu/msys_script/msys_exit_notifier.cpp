@@ -1,11 +1,15 @@
 #include "menu/msys_script/msys_exit_notifier.h"
 
+#include <memory>
+
 #include "core/translate.h"
 #include "gapp/command_container.h"
 #include "gapp/main_window.h"
 #include "gscript/gui_handler.h"
 #include "gtools/error_dialog.h"
 #include "menu/msys_script/msys_cmd_editor.h"
+#include "menu/msys_script/msys_error_codes.h"
+#include "menu/msys_script/msys_python_script_database.h"
 
 namespace Vel::MSysScript {
 

@@ -19,6 +19,8 @@
 #include "menu/msys_script/msys_config.h"
 #include "menu/msys_script/msys_error_codes.h"
 #include "menu/msys_script/msys_exit_notifier.h"
+#include "menu/msys_script/msys_python_dump.h"
+#include "menu/msys_script/msys_python_highlighter.h"
 #include "menu/msys_script/msys_python_script_creator.h"
 #include "menu/msys_script/msys_python_script_database.h"
 #include "menu/msys_script/msys_special_menu_provider.h"
@@ -72,6 +74,7 @@ void InitLibrary(Vel::CfgNode* root)
     installTranslator(QStringLiteral("VelMSysScript"));
     Color::registerMetaType();
     createCommands();
+    setConfigurationRoot(root);
     declareConfiguration(root);
     declareTemplateConfiguration(root);
     registerErrorCodes();
@@ -116,13 +119,39 @@ void CloseScriptDatabase() {}
 
 void UpdateRegisteredCommands()
 {
-  // The script commands follow the database; the editor's highlighting of command names
-  // follows them once the editor exists.
+  // The script commands follow the database, and the editors' command names follow both.
   guarded("UpdateRegisteredCommands", [] {
     DatabaseLock database;
     if (database)
       database->getCreator()->update(database.get());
   });
+}
+
+char* AnalyzePythonText(const char* what, const char* text, int json)
+{
+  char* result = nullptr;
+  guarded("AnalyzePythonText", [&] {
+    const QString source = QString::fromUtf8(text);
+    QString output;
+    if (qstrcmp(what, "blocks") == 0) {
+      const auto blocks = findBlocks(source);
+      output = json ? blocksToJson(blocks) : blocksToText(blocks);
+    } else if (qstrcmp(what, "highlight") == 0) {
+      DatabaseLock database;
+      PythonHighlighter highlighter(nullptr, database.get());
+      const auto runs = colourText(source, highlighter);
+      output = json ? runsToJson(runs) : runsToText(runs);
+    } else {
+      return;
+    }
+    result = qstrdup(output.toUtf8().constData());
+  });
+  return result;
+}
+
+void FreeAnalysis(char* analysis)
+{
+  delete[] analysis;
 }
 
 }  // extern "C"

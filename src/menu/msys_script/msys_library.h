@@ -17,5 +17,10 @@ VEL_EXPORT void CloseDefaults();
 VEL_EXPORT void InitScriptDatabase();
 VEL_EXPORT void CloseScriptDatabase();
 VEL_EXPORT void UpdateRegisteredCommands();
+// For the program's tools: the foldable blocks ("blocks") or the colour runs ("highlight") of a
+// Python text (UTF-8), as text or JSON. The result is released with FreeAnalysis; null for an
+// unknown request.
+VEL_EXPORT char* AnalyzePythonText(const char* what, const char* text, int json);
+VEL_EXPORT void FreeAnalysis(char* analysis);
 }
 }  // namespace Vel::MSysScript

@@ -131,6 +131,10 @@ public:
   // The kind of command, for listings and for code that treats kinds differently.
   virtual QString getCommandType() const { return QStringLiteral("cmd_execute"); }
 
+  // How scripts spell the command: 0 only as zut.script.NAME, 1 only as zut.interactive.NAME,
+  // 2 and 3 both (3: the interactive form is the usual one).
+  virtual int getScriptKind() const { return 2; }
+
   // Runs the command; a user's or script's fault is thrown as CommandError.
   virtual void execute(const CommandParameters& parameters) = 0;
   // Lets the user complete the arguments before an interactive run (file dialogs and the

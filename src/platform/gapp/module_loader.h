@@ -39,6 +39,8 @@ public:
   bool initScriptDatabase();
   bool closeScriptDatabase();
   bool updateRegisteredCommands();
+  // Any other function the module exports; null when it has none of that name.
+  QFunctionPointer resolve(const char* name) { return _library.resolve(name); }
 
 private:
   using VoidFunction = void (*)();

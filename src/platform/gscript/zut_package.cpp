@@ -146,6 +146,31 @@ if not any(finder is _SourceFinder for finder in _sys.meta_path):
     _sys.meta_path.append(_SourceFinder)
 )";
 
+// The top-level statements of a text, each as (command name or "", first line, last line);
+// a command is a call of a prefixed dotted name, alone or as an assignment's value.
+const char* const SCRIPT_ELEMENTS = R"(
+def _script_elements(text, prefixes):
+    import ast
+
+    def dotted(node):
+        parts = []
+        while isinstance(node, ast.Attribute):
+            parts.append(node.attr)
+            node = node.value
+        if not isinstance(node, ast.Name):
+            return None
+        parts.append(node.id)
+        return ".".join(reversed(parts))
+
+    elements = []
+    for statement in ast.parse(text).body:
+        value = getattr(statement, "value", None) if isinstance(statement, (ast.Expr, ast.Assign, ast.AnnAssign)) else None
+        name = dotted(value.func) if isinstance(value, ast.Call) else None
+        is_command = name is not None and any(name.startswith(prefix + ".") for prefix in prefixes)
+        elements.append((name if is_command else "", statement.lineno - 1, statement.end_lineno - 1))
+    return elements
+)";
+
 py::list importNames()
 {
   py::list names;
@@ -183,4 +208,5 @@ PYBIND11_EMBEDDED_MODULE(zut, m)
   m.def("_import_names", &Vel::GScript::importNames);
   m.def("_import_source", &Vel::GScript::importSource);
   py::exec(Vel::GScript::IMPORT_HOOK, m.attr("__dict__"));
+  py::exec(Vel::GScript::SCRIPT_ELEMENTS, m.attr("__dict__"));
 }

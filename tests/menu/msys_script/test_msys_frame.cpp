@@ -335,7 +335,7 @@ TEST_F(ModuleTest, ExitNotifierAsksOnlyInKioskModeAndNotWhenSilent)
 
 TEST_F(ModuleTest, PlaceholderCommandsFailClearly)
 {
-  for (const char* name : {"sys.show_script_editor", "sys.close_user_defined_dialog"}) {
+  for (const char* name : {"sys.create_user_defined_dialog", "sys.close_user_defined_dialog"}) {
     GApp::Command* command = GApp::CommandContainer::getInstance().getCommand(QString::fromLatin1(name));
     try {
       command->run(GApp::CommandParameters(), false);

@@ -162,8 +162,10 @@ TEST_F(ArchiveTest, ExistingAndRunningScriptsAreNotReplaced)
   PythonScriptDatabase::scriptStarted(QStringLiteral("a.py"));
   DatabaseLock database;
   ErrorLog log;
-  const bool written =
-      writeScripts(*database.get(), GScript::LEVEL_USER, {{QStringLiteral("a.py"), "print('new')\n"}}, true, log);
+  ScriptToWrite replacement;
+  replacement.file_name = QStringLiteral("a.py");
+  replacement.code = "print('new')\n";
+  const bool written = writeScripts(*database.get(), GScript::LEVEL_USER, {replacement}, true, log);
   PythonScriptDatabase::scriptTerminated(QStringLiteral("a.py"));
   EXPECT_FALSE(written);
   EXPECT_EQ(log.getText(), QStringLiteral("The script 'a.py' is running and cannot be replaced."));

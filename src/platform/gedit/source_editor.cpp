@@ -1,0 +1,222 @@
+#include "gedit/source_editor.h"
+
+#include <QPainter>
+#include <QPainterPath>
+#include <QTextBlock>
+
+#include "gedit/text_highlighter.h"
+#include "gedit/text_parser.h"
+
+namespace Vel::GEdit {
+namespace {
+
+class Margin : public QWidget
+{
+public:
+  explicit Margin(SourceEditor* editor) : QWidget(editor), _editor(editor) { setCursor(Qt::ArrowCursor); }
+  QSize sizeHint() const override { return QSize(_editor->marginWidth(), 0); }
+
+protected:
+  void paintEvent(QPaintEvent* event) override { _editor->paintMargin(event); }
+  void mousePressEvent(QMouseEvent* event) override { _editor->marginClicked(event->pos()); }
+
+private:
+  SourceEditor* _editor;
+};
+
+const int FOLD_AREA = 14;
+
+}  // namespace
+
+SourceEditor::SourceEditor(TextParser* parser, TextHighlighter* highlighter, QWidget* parent)
+    : QPlainTextEdit(parent), _parser(parser), _highlighter(highlighter), _margin(new Margin(this))
+{
+  parser->setParent(this);
+  highlighter->setParent(this);
+  _adapter = new SyntaxHighlighterAdapter(highlighter, document());
+  QTextDocument* doc = document();
+  parser->setLineSource([doc](int line) { return doc->findBlockByNumber(line).text(); },
+                        [doc] { return doc->blockCount(); });
+  setLineWrapMode(QPlainTextEdit::NoWrap);
+  QFont font(QStringLiteral("Monospace"));
+  font.setStyleHint(QFont::TypeWriter);
+  setFont(font);
+  setTabWidth(4);
+
+  connect(doc, &QTextDocument::contentsChange, this, &SourceEditor::contentsChanged);
+  connect(this, &QPlainTextEdit::blockCountChanged, this, [this] { setViewportMargins(marginWidth(), 0, 0, 0); });
+  connect(this, &QPlainTextEdit::updateRequest, this, &SourceEditor::updateMargin);
+  setViewportMargins(marginWidth(), 0, 0, 0);
+  parser->parse();
+}
+
+void SourceEditor::setTabWidth(int columns)
+{
+  setTabStopDistance(fontMetrics().horizontalAdvance(QLatin1Char(' ')) * columns);
+}
+
+void SourceEditor::setShowTabs(bool show)
+{
+  QTextOption option = document()->defaultTextOption();
+  option.setFlags(show ? option.flags() | QTextOption::ShowTabsAndSpaces
+                       : option.flags() & ~QTextOption::ShowTabsAndSpaces);
+  document()->setDefaultTextOption(option);
+}
+
+void SourceEditor::markErrorLine(int line)
+{
+  _error_line = line;
+  QList<QTextEdit::ExtraSelection> selections;
+  const QTextBlock block = document()->findBlockByNumber(line);
+  if (line >= 0 && block.isValid()) {
+    QTextEdit::ExtraSelection selection;
+    selection.format.setBackground(QColor(255, 210, 210));
+    selection.format.setProperty(QTextFormat::FullWidthSelection, true);
+    selection.cursor = QTextCursor(block);
+    selections << selection;
+    setTextCursor(QTextCursor(block));
+    centerCursor();
+  }
+  setExtraSelections(selections);
+}
+
+int SourceEditor::marginWidth() const
+{
+  int digits = 1;
+  for (int count = qMax(1, blockCount()); count >= 10; count /= 10)
+    ++digits;
+  return 8 + fontMetrics().horizontalAdvance(QLatin1Char('9')) * qMax(3, digits) + FOLD_AREA;
+}
+
+void SourceEditor::resizeEvent(QResizeEvent* event)
+{
+  QPlainTextEdit::resizeEvent(event);
+  const QRect area = contentsRect();
+  _margin->setGeometry(QRect(area.left(), area.top(), marginWidth(), area.height()));
+}
+
+void SourceEditor::updateMargin(const QRect& rect, int dy)
+{
+  if (dy)
+    _margin->scroll(0, dy);
+  else
+    _margin->update(0, rect.y(), _margin->width(), rect.height());
+}
+
+void SourceEditor::paintMargin(QPaintEvent* event)
+{
+  QPainter painter(_margin);
+  painter.fillRect(event->rect(), palette().color(QPalette::Window));
+  const int numbers_width = _margin->width() - FOLD_AREA;
+  QTextBlock block = firstVisibleBlock();
+  int top = qRound(blockBoundingGeometry(block).translated(contentOffset()).top());
+  while (block.isValid() && top <= event->rect().bottom()) {
+    const int height = qRound(blockBoundingRect(block).height());
+    if (block.isVisible()) {
+      const int line = block.blockNumber();
+      painter.setPen(line == _error_line ? QColor(200, 0, 0) : palette().color(QPalette::PlaceholderText));
+      painter.drawText(0, top, numbers_width - 4, fontMetrics().height(), Qt::AlignRight, QString::number(line + 1));
+      const auto found = _parser->getBlocks().find(line);
+      if (found != _parser->getBlocks().end()) {
+        // A triangle: pointing down while open, right while folded.
+        const QPointF centre(numbers_width + FOLD_AREA / 2.0, top + fontMetrics().height() / 2.0);
+        QPainterPath triangle;
+        if (isFolded(line)) {
+          triangle.moveTo(centre + QPointF(-2.5, -4.5));
+          triangle.lineTo(centre + QPointF(3.5, 0));
+          triangle.lineTo(centre + QPointF(-2.5, 4.5));
+        } else {
+          triangle.moveTo(centre + QPointF(-4.5, -2.5));
+          triangle.lineTo(centre + QPointF(4.5, -2.5));
+          triangle.lineTo(centre + QPointF(0, 3.5));
+        }
+        triangle.closeSubpath();
+        painter.setRenderHint(QPainter::Antialiasing);
+        painter.fillPath(triangle, QColor(110, 110, 110));
+        painter.setRenderHint(QPainter::Antialiasing, false);
+      }
+    }
+    block = block.next();
+    top += height;
+  }
+}
+
+void SourceEditor::marginClicked(const QPoint& position)
+{
+  if (position.x() < _margin->width() - FOLD_AREA)
+    return;
+  const QTextCursor cursor = cursorForPosition(QPoint(0, position.y()));
+  const int line = cursor.block().blockNumber();
+  if (_parser->getBlocks().count(line))
+    toggleFold(line);
+}
+
+void SourceEditor::toggleFold(int first_line)
+{
+  if (!_folded.erase(first_line))
+    _folded.insert(first_line);
+  applyFolding();
+}
+
+void SourceEditor::applyFolding()
+{
+  // Folds whose block is gone open again.
+  for (auto it = _folded.begin(); it != _folded.end();)
+    it = _parser->getBlocks().count(*it) ? std::next(it) : _folded.erase(it);
+  if (_folded.empty() && !_hiding) {
+    _margin->update();
+    return;
+  }
+  _hiding = !_folded.empty();
+  std::vector<bool> hidden(size_t(blockCount()), false);
+  for (int first : _folded) {
+    const int last = _parser->getBlocks().at(first);
+    for (int line = first + 1; line <= last && line < blockCount(); ++line)
+      hidden[size_t(line)] = true;
+  }
+  bool changed = false;
+  for (QTextBlock block = document()->firstBlock(); block.isValid(); block = block.next()) {
+    const bool visible = !hidden[size_t(block.blockNumber())];
+    if (block.isVisible() != visible) {
+      block.setVisible(visible);
+      changed = true;
+    }
+  }
+  if (changed) {
+    document()->markContentsDirty(0, document()->characterCount());
+    viewport()->update();
+  }
+  _margin->update();
+}
+
+void SourceEditor::contentsChanged(int position, int removed, int)
+{
+  const int line = document()->findBlock(position).blockNumber();
+  const int delta = blockCount() - _line_count;
+  _line_count = blockCount();
+  // Removing text may join lines: the parser reads the whole text again.
+  if (removed > 0)
+    _parser->textDeleted(line, qMax(0, -delta));
+  else
+    _parser->textInserted(line, delta);
+  if (_error_line >= 0)
+    markErrorLine(-1);
+  applyFolding();
+}
+
+void SourceEditor::keyPressEvent(QKeyEvent* event)
+{
+  if ((event->key() == Qt::Key_Return || event->key() == Qt::Key_Enter) && !(event->modifiers() & Qt::ShiftModifier)) {
+    QTextCursor cursor = textCursor();
+    cursor.beginEditBlock();
+    cursor.insertText(QStringLiteral("\n"));
+    cursor.insertText(_parser->getLineOffset(cursor.blockNumber()));
+    cursor.endEditBlock();
+    setTextCursor(cursor);
+    ensureCursorVisible();
+    return;
+  }
+  QPlainTextEdit::keyPressEvent(event);
+}
+
+}  // namespace Vel::GEdit

@@ -1,0 +1,60 @@
+#pragma once
+
+#include <QPlainTextEdit>
+
+#include <set>
+
+#include "core/vel_export.h"
+
+namespace Vel::GEdit {
+
+class TextParser;
+class TextHighlighter;
+class SyntaxHighlighterAdapter;
+
+// A text editor for source code: line numbers and fold markers in a margin, folding of the
+// parser's blocks, automatic indentation of new lines, and the highlighter's colours.
+class VEL_EXPORT SourceEditor : public QPlainTextEdit
+{
+  Q_OBJECT
+
+public:
+  // Takes the parser and the highlighter as children.
+  SourceEditor(TextParser* parser, TextHighlighter* highlighter, QWidget* parent = nullptr);
+
+  TextParser* getParser() const { return _parser; }
+  TextHighlighter* getHighlighter() const { return _highlighter; }
+
+  void setTabWidth(int columns);
+  void setShowTabs(bool show);
+  // Marks a line (0-based) as the one where something failed, and shows it; -1 clears.
+  void markErrorLine(int line);
+  int getErrorLine() const { return _error_line; }
+
+  bool isFolded(int first_line) const { return _folded.count(first_line) != 0; }
+  void toggleFold(int first_line);
+
+  int marginWidth() const;
+  void paintMargin(QPaintEvent* event);
+  void marginClicked(const QPoint& position);
+
+protected:
+  void resizeEvent(QResizeEvent* event) override;
+  void keyPressEvent(QKeyEvent* event) override;
+
+private:
+  void contentsChanged(int position, int removed, int added);
+  void applyFolding();
+  void updateMargin(const QRect& rect, int dy);
+
+  TextParser* _parser;
+  TextHighlighter* _highlighter;
+  SyntaxHighlighterAdapter* _adapter;
+  QWidget* _margin;
+  std::set<int> _folded;
+  int _line_count = 1;
+  int _error_line = -1;
+  bool _hiding = false;  // some line may be hidden by a fold
+};
+
+}  // namespace Vel::GEdit
