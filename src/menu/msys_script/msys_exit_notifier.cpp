@@ -5,6 +5,7 @@
 #include "core/translate.h"
 #include "gapp/command_container.h"
 #include "gapp/main_window.h"
+#include "gedit/source_editor.h"
 #include "gscript/gui_handler.h"
 #include "gtools/error_dialog.h"
 #include "menu/msys_script/msys_cmd_editor.h"
@@ -31,19 +32,39 @@ bool ExitNotifier::confirmExit(bool silent)
   return answer;
 }
 
+namespace {
+EditorCommand* editorCommand()
+{
+  return dynamic_cast<EditorCommand*>(
+      GApp::CommandContainer::getInstance().getCommand(QStringLiteral("sys.show_script_editor")));
+}
+}  // namespace
+
 bool ExitNotifier::canExit()
 {
-  // A busy editor dialog (a script running in it) keeps the application alive; there is no
-  // editor dialog to be busy yet.
-  return true;
+  // A script running in the editor keeps the application alive.
+  const EditorCommand* editor = editorCommand();
+  return !(editor && editor->hasDialog() && editor->getDialog()->isBusy());
 }
 
 void ExitNotifier::prepareExit()
 {
-  auto* editor = dynamic_cast<EditorCommand*>(
-      GApp::CommandContainer::getInstance().getCommand(QStringLiteral("sys.show_script_editor")));
+  EditorCommand* editor = editorCommand();
   if (!editor || !editor->hasDialog())
     return;
+  ScriptEditorDialog* dialog = editor->getDialog();
+  {
+    std::unique_ptr<DatabaseLock> lock;
+    if (PythonScriptDatabase::isAvailable())
+      lock = std::make_unique<DatabaseLock>();
+    ErrorLog log;
+    if (dialog->isModified() && !dialog->save(log))
+      GTools::ErrorDialog(QString::fromLatin1(ERR_SAVE_SCRIPT), log.getText());
+  }
+  // A failed save was reported; the changes must not be asked about again on closing.
+  dialog->getEditor()->document()->setModified(false);
+  dialog->close();
+  editor->destroyDialog();
 }
 
 }  // namespace Vel::MSysScript

@@ -1,0 +1,330 @@
+#include <QDir>
+#include <QDirIterator>
+#include <QFile>
+#include <QPlainTextEdit>
+#include <QRandomGenerator>
+#include <QTemporaryDir>
+#include <QTest>
+#include <QTextBlock>
+#include <QTextLayout>
+
+#include <gtest/gtest.h>
+
+#include "gapp/app_status_manager.h"
+#include "gapp/command_container.h"
+#include "gapp/data_change_notifier.h"
+#include "gedit/source_editor.h"
+#include "gtools/error_dialog.h"
+#include "menu/msys_script/msys_cmd_editor.h"
+#include "menu/msys_script/msys_dlg_script_editor.h"
+#include "menu/msys_script/msys_python_dump.h"
+#include "menu/msys_script/msys_python_highlighter.h"
+#include "menu/msys_script/msys_python_parser.h"
+#include "msys_fixture.h"
+#include "test_util.h"
+
+using namespace Vel;
+using namespace Vel::MSysScript;
+
+namespace {
+
+QString referenceDir()
+{
+  return qEnvironmentVariable("ZUT_SOURCE_DIR") + QStringLiteral("/tests/menu/msys_script/editor_reference");
+}
+
+QStringList referenceInputs()
+{
+  QStringList inputs = QDir(referenceDir()).entryList({QStringLiteral("*.py")}, QDir::Files, QDir::Name);
+  return inputs;
+}
+
+// The runs that the editor's document shows for each line, read back from the text layouts.
+std::vector<ColourRun> editorRuns(const GEdit::SourceEditor& editor, const PythonHighlighter& highlighter)
+{
+  std::vector<ColourRun> runs;
+  for (QTextBlock block = editor.document()->firstBlock(); block.isValid(); block = block.next())
+    for (const QTextLayout::FormatRange& range : block.layout()->formats()) {
+      int role = -1;
+      for (int candidate = 0; candidate <= PythonHighlighter::ROLE_SCRIPT_COMMAND; ++candidate) {
+        const auto r = PythonHighlighter::ColorRole_t(candidate);
+        if (highlighter.getColor(r) == range.format.foreground().color() &&
+            (r == PythonHighlighter::ROLE_KEYWORD) == (range.format.fontWeight() == QFont::Bold) &&
+            r != PythonHighlighter::ROLE_SPECIAL_METHOD)
+          role = candidate;
+      }
+      runs.push_back({block.blockNumber(), range.start, range.length, role});
+    }
+  return runs;
+}
+
+// Roles 3 and 4 share a colour; the editor tells them apart by weight only, so compare without
+// that distinction where the document is read back.
+std::vector<ColourRun> withoutSpecialMethods(std::vector<ColourRun> runs)
+{
+  for (ColourRun& run : runs)
+    if (run.role == PythonHighlighter::ROLE_SPECIAL_METHOD)
+      run.role = -1;
+  return runs;
+}
+
+class EditorTest : public ::testing::Test
+{
+protected:
+  void SetUp() override { startedModule(); }
+};
+
+class ReferenceFiles : public EditorTest, public ::testing::WithParamInterface<QString>
+{};
+
+}  // namespace
+
+TEST_P(ReferenceFiles, BlocksAndColoursMatchTheReference)
+{
+  const QString base = referenceDir() + QLatin1Char('/') + GetParam().chopped(3);
+  const QString text = QString::fromUtf8(readFile(base + QStringLiteral(".py")));
+  EXPECT_EQ(blocksToText(findBlocks(text)), QString::fromUtf8(readFile(base + QStringLiteral(".blocks"))))
+      << "after a deliberate change: scripts/update-editor-reference";
+  PythonHighlighter highlighter;
+  EXPECT_EQ(runsToText(colourText(text, highlighter)), QString::fromUtf8(readFile(base + QStringLiteral(".colors"))))
+      << "after a deliberate change: scripts/update-editor-reference";
+}
+
+TEST_P(ReferenceFiles, TheEditorColoursLikeTheLineByLineScan)
+{
+  const QString text = QString::fromUtf8(readFile(referenceDir() + QLatin1Char('/') + GetParam()));
+  auto* highlighter = new PythonHighlighter;
+  GEdit::SourceEditor editor(new PythonParser, highlighter);
+  editor.setPlainText(text);
+  EXPECT_EQ(withoutSpecialMethods(editorRuns(editor, *highlighter)),
+            withoutSpecialMethods(colourText(text, *highlighter)));
+
+  // Typing into the middle re-colours exactly what the new text needs, no more and no less.
+  QTextCursor cursor(editor.document()->findBlockByNumber(editor.document()->blockCount() / 2));
+  cursor.insertText(QStringLiteral("'''"));
+  EXPECT_EQ(withoutSpecialMethods(editorRuns(editor, *highlighter)),
+            withoutSpecialMethods(colourText(editor.toPlainText(), *highlighter)));
+  cursor.deletePreviousChar();
+  EXPECT_EQ(withoutSpecialMethods(editorRuns(editor, *highlighter)),
+            withoutSpecialMethods(colourText(editor.toPlainText(), *highlighter)));
+  std::vector<std::pair<int, int>> blocks(editor.getParser()->getBlockBegin(), editor.getParser()->getBlockEnd());
+  EXPECT_EQ(blocks, findBlocks(editor.toPlainText()));
+}
+
+INSTANTIATE_TEST_SUITE_P(Inputs, ReferenceFiles, ::testing::ValuesIn(referenceInputs()),
+                         [](const auto& info) { return info.param.chopped(3).toStdString(); });
+
+TEST(PythonParser, IncrementalInsertionsThatLeaveTheStructureAloneMatchAFullParse)
+{
+  // Real Python: the standard library of the interpreter we embed.
+  QStringList files;
+  QDirIterator it(QStringLiteral("/usr/lib/python3.11"), {QStringLiteral("*.py")}, QDir::Files);
+  while (it.hasNext() && files.size() < 40)
+    files << it.next();
+  ASSERT_FALSE(files.isEmpty());
+  QRandomGenerator random(20261123);
+  int checked = 0;
+  for (const QString& file : files) {
+    QStringList lines = QString::fromUtf8(readFile(file)).split(QLatin1Char('\n'));
+    PythonParser incremental;
+    incremental.setText(lines.join(QLatin1Char('\n')));
+    incremental.parse();
+    for (int round = 0; round < 25; ++round) {
+      const int at = 1 + int(random.bounded(quint32(std::max<qsizetype>(1, lines.size() - 1))));
+      const QString before = lines.value(at - 1), after = lines.value(at);
+      const auto indentation = [](const QString& line) {
+        int end = 0;
+        while (end < line.size() && line[end].isSpace())
+          ++end;
+        return line.left(end);
+      };
+      QString inserted;
+      switch (random.bounded(3)) {
+        case 0: inserted = QString(); break;
+        case 1: inserted = indentation(after) + QStringLiteral("# inserted comment"); break;
+        default: {
+          // A statement between two plain statements of one indentation, inside a block.
+          const QString b = before.trimmed(), a = after.trimmed();
+          if (b.isEmpty() || a.isEmpty() || b.startsWith(QLatin1Char('#')) ||
+              indentation(before) != indentation(after) || indentation(after).isEmpty() ||
+              b.endsWith(QLatin1Char(':')) || b.endsWith(QLatin1Char('\\')) || b.endsWith(QLatin1Char(',')) ||
+              b.endsWith(QLatin1Char('(')) || b.contains(QLatin1String("\"\"\"")) || b.contains(QLatin1String("'''")))
+            continue;
+          inserted = indentation(after) + QStringLiteral("inserted = 0");
+        }
+      }
+      lines.insert(at, inserted);
+      incremental.setText(lines.join(QLatin1Char('\n')));
+      incremental.textInserted(at, 1);
+      PythonParser full;
+      full.setText(lines.join(QLatin1Char('\n')));
+      full.parse();
+      ASSERT_EQ(incremental.getBlocks(), full.getBlocks())
+          << qPrintable(file) << ": insertion of '" << qPrintable(inserted) << "' at line " << at;
+      ++checked;
+    }
+  }
+  EXPECT_GT(checked, 500);
+}
+
+TEST(PythonParser, IndentationCommandStartsAndLineOffsets)
+{
+  PythonParser parser;
+  parser.setText(QStringLiteral("def f():\n\tif x:  # why:\n\t\tpass\nname = '#':\ncall()  # done:\n    x = 1"));
+  EXPECT_EQ(parser.getLineOffset(0), QString());
+  EXPECT_EQ(parser.getLineOffset(1), QStringLiteral("\t"));
+  EXPECT_EQ(parser.getLineOffset(2), QStringLiteral("\t\t"));
+  EXPECT_EQ(parser.getLineOffset(3), QStringLiteral("\t\t"));
+  EXPECT_EQ(parser.getLineOffset(4), QStringLiteral("\t")) << "':' inside quotes ends a header line";
+  EXPECT_EQ(parser.getLineOffset(5), QString()) << "a ':' in a comment opens nothing";
+
+  // A tab counts as many columns as the tab size.
+  parser.setText(QStringLiteral("if a:\n\tb = 1\n    c = 2\nd = 3"));
+  parser.parse();
+  EXPECT_EQ(parser.getBlocks(), (GEdit::TextParser::BlockMap{{0, 2}}));
+  parser.setTabSize(8);
+  parser.parse();
+  EXPECT_EQ(parser.getBlocks(), (GEdit::TextParser::BlockMap{{0, 2}}));
+
+  for (const char* start : {"zut.script.sys.delay_script(", "x = zut.interactive.a.b(", "zut.gui.x \\"})
+    EXPECT_TRUE(parser.isCommandStartLine(QString::fromLatin1(start))) << start;
+  // The first "=" decides: a keyword argument on the first line hides the command.
+  for (const char* other : {"print(zut.script.x())", "zut.script", "zut.script.sys.delay_script(time=1", "a == b"})
+    EXPECT_FALSE(parser.isCommandStartLine(QString::fromLatin1(other))) << other;
+}
+
+TEST(LineAccess, LinesWithAndWithoutTheirLineFeed)
+{
+  const LineAccess access(QStringLiteral("first\nsecond\nlast"));
+  EXPECT_EQ(access.getNumberOfLines(), 3u);
+  EXPECT_EQ(access.getLine(0, false), QStringLiteral("first\n"));
+  EXPECT_EQ(access.getLine(0, true), QStringLiteral("first"));
+  EXPECT_EQ(access.getLine(2, true), QStringLiteral("last"));
+  EXPECT_EQ(access.getLine(3, true), QString());
+  EXPECT_EQ(LineAccess(QStringLiteral("a\n")).getNumberOfLines(), 2u);
+}
+
+TEST(CommandBlockAccess, FindsTheOneCommandAroundALine)
+{
+  const QString text = QStringLiteral(
+      "import zut\n"                                                                // 0
+      "a, b = zut.script.sys.execute_python_code(\n"                                // 1
+      "    code='print(1)',\n"                                                      // 2
+      "    collect_stdout=True)\n"                                                  // 3
+      "x = 1\n"                                                                     // 4
+      "zut.interactive.sys.delay_script(time=1)\n"                                  // 5
+      "obj.attr = zut.script.sys.delay_script(time=1)\n"                            // 6
+      "zut.script.sys.delay_script(time=1); zut.script.sys.delay_script(time=2)\n"  // 7
+      "zut.script.sys.delay_script(\n");                                            // 8
+  const CommandBlockAccess access(text);
+  using Interval = CommandBlockAccess::Interval;
+  EXPECT_EQ(access.getCommandInterval(0), CommandBlockAccess::INVALID);
+  EXPECT_EQ(access.getCommandInterval(1), Interval(1, 3));
+  EXPECT_EQ(access.getCommandInterval(3), Interval(1, 3));
+  EXPECT_EQ(access.getCommandBlock(2), access.getLine(1, false) + access.getLine(2, false) + access.getLine(3, false));
+  EXPECT_EQ(access.getCommandInterval(4), CommandBlockAccess::INVALID) << "the command before ends above";
+  EXPECT_EQ(access.getCommandInterval(5), Interval(5, 5));
+  EXPECT_EQ(access.getCommandInterval(6), CommandBlockAccess::INVALID)
+      << "a dotted target is no assignment target, so the line starts no command";
+  EXPECT_EQ(access.getCommandInterval(7), CommandBlockAccess::INVALID) << "two commands on one line";
+  EXPECT_EQ(access.getCommandInterval(8), CommandBlockAccess::INVALID) << "never closed";
+  EXPECT_TRUE(access.getCommandBlock(0).isEmpty());
+
+  EXPECT_TRUE(CommandBlockAccess::isCommandBlockStart(QStringLiteral("  a, b = zut.gui.x()")));
+  EXPECT_FALSE(CommandBlockAccess::isCommandBlockStart(QStringLiteral("self.x = zut.script.a()")));
+  EXPECT_TRUE(CommandBlockAccess::isCommandBlockStart(QStringLiteral("zut.script.a(b=1)")));
+}
+
+TEST_F(EditorTest, HighlighterFollowsCommandsDatabaseAndConfiguration)
+{
+  class InteractiveOnly : public GApp::Command
+  {
+  public:
+    InteractiveOnly() : Command(QStringLiteral("test.asks")) {}
+    int getScriptKind() const override { return 1; }
+    void execute(const GApp::CommandParameters&) override {}
+  } command;
+  PythonHighlighter highlighter;
+  highlighter.updateDatabase(nullptr);
+  const auto roleOf = [&](const char* line) {
+    const auto runs = colourText(QString::fromLatin1(line), highlighter);
+    return runs.empty() ? -1 : runs.front().role;
+  };
+  EXPECT_EQ(roleOf("zut.interactive.test.asks"), PythonHighlighter::ROLE_INTERACTIVE_COMMAND);
+  EXPECT_EQ(roleOf("zut.script.test.asks"), -1) << "only its interactive spelling is known";
+  EXPECT_EQ(roleOf("zut.script.sys.delay_script"), PythonHighlighter::ROLE_SCRIPT_COMMAND);
+  EXPECT_EQ(roleOf("import_me"), -1);
+  EXPECT_EQ(roleOf("None"), -1);
+
+  highlighter.setColor(PythonHighlighter::ROLE_COMMENT, Qt::green);
+  GApp::DataChangeNotifier::getInstance()->notify(GApp::DATA_CHANGED_SCRIPTS);
+  EXPECT_EQ(highlighter.getColor(PythonHighlighter::ROLE_COMMENT), QColor(Qt::green));
+  GApp::DataChangeNotifier::getInstance()->notify(GApp::DATA_CHANGED_CONFIGURATION);
+  EXPECT_EQ(highlighter.getColor(PythonHighlighter::ROLE_COMMENT), QColor(180, 56, 56));
+}
+
+TEST_F(EditorTest, EditorIndentsFoldsRunsAndSaves)
+{
+  QTemporaryDir dir;
+  const QString path = dir.filePath(QStringLiteral("work.py"));
+  writeFile(path, "def f():\n\treturn 1 / 0\n\nf()\n");
+  ScriptEditorDialog dialog;
+  ErrorLog log;
+  ASSERT_TRUE(dialog.openFile(path, log));
+  GEdit::SourceEditor* editor = dialog.getEditor();
+
+  // A new line after a header gets one more level.
+  QTextCursor cursor(editor->document()->findBlockByNumber(0));
+  cursor.movePosition(QTextCursor::EndOfBlock);
+  editor->setTextCursor(cursor);
+  QTest::keyClick(editor, Qt::Key_Return);
+  EXPECT_EQ(editor->document()->findBlockByNumber(1).text(), QStringLiteral("\t"));
+  QTest::keyClicks(editor, QStringLiteral("x = 2"));
+  EXPECT_EQ(editor->getParser()->getBlocks(), (GEdit::TextParser::BlockMap{{0, 2}}));
+
+  editor->toggleFold(0);
+  EXPECT_FALSE(editor->document()->findBlockByNumber(1).isVisible());
+  EXPECT_TRUE(editor->document()->findBlockByNumber(3).isVisible());
+  editor->toggleFold(0);
+  EXPECT_TRUE(editor->document()->findBlockByNumber(1).isVisible());
+
+  EXPECT_FALSE(dialog.run());
+  EXPECT_EQ(editor->getErrorLine(), 2) << qPrintable(dialog.getOutput()->toPlainText());
+  EXPECT_TRUE(dialog.getOutput()->toPlainText().contains(QStringLiteral("ZeroDivisionError")));
+
+  ASSERT_TRUE(dialog.isModified());
+  ASSERT_TRUE(dialog.save(log)) << qPrintable(log.getText());
+  EXPECT_EQ(readFile(path), QByteArray("def f():\n\tx = 2\n\treturn 1 / 0\n\nf()\n"));
+  EXPECT_FALSE(dialog.isModified());
+}
+
+TEST_F(EditorTest, ExitSavesTheEditorsChangesAndReportsAFailedSave)
+{
+  QTemporaryDir dir;
+  auto* command = dynamic_cast<EditorCommand*>(
+      GApp::CommandContainer::getInstance().getCommand(QStringLiteral("sys.show_script_editor")));
+  ASSERT_NE(command, nullptr);
+  std::vector<QString> shown;
+  GTools::setErrorDialogHandler([&](const QString& code, const QString&) { shown.push_back(code); });
+
+  for (const bool writable : {true, false}) {
+    const QString folder = dir.filePath(writable ? QStringLiteral("ok") : QStringLiteral("gone"));
+    QDir().mkpath(folder);
+    const QString path = folder + QStringLiteral("/exit.py");
+    GApp::CommandParameters parameters;
+    parameters.set(QStringLiteral("file"), QVariant(path));
+    command->run(parameters, false);
+    ASSERT_TRUE(command->hasDialog());
+    command->getDialog()->getEditor()->insertPlainText(QStringLiteral("print('unsaved')\n"));
+    if (!writable)
+      QDir(folder).removeRecursively();
+    EXPECT_TRUE(GApp::AppStatusManager::requestExit(true));
+    EXPECT_FALSE(command->hasDialog());
+    if (writable) {
+      EXPECT_EQ(readFile(path), QByteArray("print('unsaved')\n"));
+    }
+  }
+  GTools::setErrorDialogHandler(nullptr);
+  ASSERT_EQ(shown.size(), 1u);
+  EXPECT_EQ(shown[0], QStringLiteral("MSysScriptErr-0003"));
+}
