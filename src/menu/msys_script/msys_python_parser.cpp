@@ -117,20 +117,19 @@ void PythonParser::parse(int first, int last)
 
 void PythonParser::textInserted(int line, int count)
 {
-  std::vector<std::pair<int, int>> blocks(getBlockBegin(), getBlockEnd());
-  std::sort(blocks.begin(), blocks.end());
-  clearBlocks();
-
+  // The block map is ordered by first line (first lines are unique), so walking it is walking
+  // the blocks sorted by first and last line.
+  BlockMap& blocks = mutableBlocks();
   int range_first = line, range_last = line;
   bool contained = false;
-  const std::pair<int, int>* preceding = nullptr;
+  const std::pair<const int, int>* preceding = nullptr;
   int previous_top_last = -1;
   for (const auto& block : blocks) {
+    if (block.first > line)
+      break;
     if (block.first < previous_top_last)
       continue;  // nested in the previous top-level block
     previous_top_last = block.second;
-    if (block.first > line)
-      continue;
     if (block.second >= line) {
       range_first = std::min(range_first, block.first);
       range_last = std::max(range_last, block.second);
@@ -147,12 +146,21 @@ void PythonParser::textInserted(int line, int count)
     range_first = std::min(range_first, preceding->first);
     range_last = std::max(range_last, preceding->second);
   }
-  for (const auto& block : blocks) {
-    if (block.first > range_last)
-      addBlock(block.first + count, block.second + count);
-    else if (block.second < range_first)
-      addBlock(block.first, block.second);
+  // Blocks before the range stay; blocks in it go; blocks after it move down by `count`,
+  // node by node, without copying the map.
+  std::vector<BlockMap::node_type> moved;
+  for (auto it = blocks.lower_bound(range_first); it != blocks.end();) {
+    if (it->first > range_last) {
+      auto node = blocks.extract(it++);
+      node.key() += count;
+      node.mapped() += count;
+      moved.push_back(std::move(node));
+    } else {
+      it = blocks.erase(it);
+    }
   }
+  for (auto& node : moved)
+    blocks.insert(blocks.end(), std::move(node));
   parse(range_first, range_last + count);
 }
 

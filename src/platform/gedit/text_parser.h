@@ -32,6 +32,13 @@ public:
 
   void addBlock(int first, int last) { _blocks[first] = last; }
   void clearBlocks() { _blocks.clear(); }
+  void setBlocks(BlockMap blocks) { _blocks = std::move(blocks); }
+
+protected:
+  // For parsers that move blocks in place instead of parsing everything again.
+  BlockMap& mutableBlocks() { return _blocks; }
+
+public:
   BlockMap::const_iterator getBlockBegin() const { return _blocks.begin(); }
   BlockMap::const_iterator getBlockEnd() const { return _blocks.end(); }
   const BlockMap& getBlocks() const { return _blocks; }
