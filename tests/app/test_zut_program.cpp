@@ -188,3 +188,25 @@ TEST_F(ZutProgram, ScriptsDroppedIntoTheUserLevelBecomeCommands)
             QStringLiteral("userscript.my_tools.grüße"));
   EXPECT_EQ(list[1].toObject().value(QStringLiteral("level")).toString(), QStringLiteral("user"));
 }
+
+TEST_F(ZutProgram, EditorToolsPrintBlocksColoursAndPictures)
+{
+  const QString reference =
+      qEnvironmentVariable("ZUT_SOURCE_DIR") + QStringLiteral("/tests/menu/msys_script/editor_reference/");
+  const QString input = reference + QStringLiteral("measure_report.py");
+  EXPECT_EQ(zut({QStringLiteral("blocks"), input}).out,
+            QString::fromUtf8(readFile(reference + QStringLiteral("measure_report.blocks"))));
+  EXPECT_EQ(zut({QStringLiteral("highlight"), input}).out,
+            QString::fromUtf8(readFile(reference + QStringLiteral("measure_report.colors"))));
+  const QJsonArray blocks =
+      QJsonDocument::fromJson(zut({QStringLiteral("blocks"), QStringLiteral("--json"), input}).out.toUtf8()).array();
+  ASSERT_FALSE(blocks.isEmpty());
+  EXPECT_EQ(blocks.first().toObject().value(QStringLiteral("first")).toInt(), 7);
+
+  const QString picture = home.filePath(QStringLiteral("editor.png"));
+  const Result shot = zut({QStringLiteral("editor"), input, QStringLiteral("--screenshot"), picture});
+  EXPECT_EQ(shot.status, 0) << qPrintable(shot.err);
+  EXPECT_TRUE(readFile(picture).startsWith("\x89PNG"));
+  EXPECT_EQ(zut({QStringLiteral("editor"), input}).status, 2) << "no display to edit on";
+  EXPECT_EQ(zut({QStringLiteral("blocks"), home.filePath(QStringLiteral("missing.py"))}).status, 1);
+}

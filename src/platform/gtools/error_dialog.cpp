@@ -28,8 +28,23 @@ QuestionHandler& questionHandler()
 
 }  // namespace
 
+namespace {
+QtMessageHandler default_handler = nullptr;
+
+// The offscreen platform says on every window that it cannot do what only a screen can do.
+void quietOffscreen(QtMsgType type, const QMessageLogContext& context, const QString& message)
+{
+  if (type == QtWarningMsg && message.startsWith(QLatin1String("This plugin does not support")))
+    return;
+  if (default_handler)
+    default_handler(type, context, message);
+}
+}  // namespace
+
 void prepareGuiEnvironment()
 {
+  if (!default_handler)
+    default_handler = qInstallMessageHandler(quietOffscreen);
   if (qEnvironmentVariableIsEmpty("DISPLAY") && qEnvironmentVariableIsEmpty("WAYLAND_DISPLAY") &&
       qEnvironmentVariableIsEmpty("QT_QPA_PLATFORM"))
     qputenv("QT_QPA_PLATFORM", "offscreen");
