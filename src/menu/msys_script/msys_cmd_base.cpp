@@ -1,6 +1,9 @@
 #include "menu/msys_script/msys_cmd_base.h"
 
+#include <QFileDialog>
+
 #include "core/translate.h"
+#include "gtools/error_dialog.h"
 
 namespace Vel::MSysScript {
 
@@ -21,6 +24,31 @@ MSysCommand::MSysCommand(const QString& name, CatalogueText title,
 void MSysCommand::failNotAvailable() const
 {
   throw GApp::CommandError(QStringLiteral("The command '%1' is not available yet.").arg(getName()));
+}
+
+void failCommand(const char* code, const ErrorLog& log)
+{
+  throw GApp::CommandError(QString::fromLatin1(code), log);
+}
+
+void failCommand(const char* code, const QString& line)
+{
+  ErrorLog log;
+  log.addLine(line);
+  failCommand(code, log);
+}
+
+bool askForFile(GApp::CommandParameters& parameters, const QString& argument, const QString& title,
+                const QString& filter, bool save)
+{
+  if (parameters.contains(argument) || !GTools::isInteractive())
+    return true;
+  const QString file = save ? QFileDialog::getSaveFileName(nullptr, title, QString(), filter)
+                            : QFileDialog::getOpenFileName(nullptr, title, QString(), filter);
+  if (file.isEmpty())
+    return false;
+  parameters.set(argument, QVariant::fromValue(Parse::File(file)));
+  return true;
 }
 
 QVariant getArgumentValue(const GApp::CommandParameters& parameters, const QString& name, int type_id)

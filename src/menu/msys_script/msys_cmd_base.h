@@ -37,6 +37,16 @@ private:
   CatalogueText _menu_title;
 };
 
+// Fails the command with a module error code and the log, or one line of log.
+[[noreturn]] void failCommand(const char* code, const ErrorLog& log);
+[[noreturn]] void failCommand(const char* code, const QString& line);
+
+// Asks a person for the file of argument `argument` when the call has none (an open or a save
+// dialog). True when the call can go on: a file was chosen, one was given, or nobody is there to
+// ask; false when the person cancelled.
+bool askForFile(GApp::CommandParameters& parameters, const QString& argument, const QString& title,
+                const QString& filter, bool save);
+
 // Reads argument `name` as type T: a missing argument or one that does not convert is the
 // caller's fault, reported as a command error with the argument's name and types.
 QVariant getArgumentValue(const GApp::CommandParameters& parameters, const QString& name, int type_id);

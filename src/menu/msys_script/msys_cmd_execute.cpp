@@ -123,14 +123,8 @@ void ExecuteScriptCommand::execute(const GApp::CommandParameters& parameters)
 
 bool ExecuteScriptCommand::prepareInteractive(GApp::CommandParameters& parameters)
 {
-  if (parameters.contains(ARG_FILE) || !GTools::isInteractive())
-    return true;
-  const QString file = QFileDialog::getOpenFileName(
-      nullptr, getTitle(), QString(), translate("MSysScript_Execute_filedir", "Scripts (*.py)", "id=9988"));
-  if (file.isEmpty())
-    return false;
-  parameters.set(ARG_FILE, QVariant::fromValue(Parse::File(file)));
-  return true;
+  return askForFile(parameters, ARG_FILE, getTitle(),
+                    translate("MSysScript_Execute_filedir", "Scripts (*.py)", "id=9988"), false);
 }
 
 // ---------------------------------------------------------------------------------------------

@@ -19,18 +19,6 @@ using Meta = GApp::CommandMetaInfo;
 
 namespace {
 
-[[noreturn]] void fail(const char* code, const ErrorLog& log)
-{
-  throw GApp::CommandError(QString::fromLatin1(code), log);
-}
-
-[[noreturn]] void fail(const char* code, const QString& line)
-{
-  ErrorLog log;
-  log.addLine(line);
-  fail(code, log);
-}
-
 QString archiveFilter()
 {
   return QStringLiteral("Script archives (*.scriptar)");
@@ -46,13 +34,7 @@ ImportScriptArchiveCommand::ImportScriptArchiveCommand()
 
 bool ImportScriptArchiveCommand::prepareInteractive(GApp::CommandParameters& parameters)
 {
-  if (parameters.contains(QStringLiteral("file")) || !GTools::isInteractive())
-    return true;
-  const QString file = QFileDialog::getOpenFileName(nullptr, getTitle(), QString(), archiveFilter());
-  if (file.isEmpty())
-    return false;
-  parameters.set(QStringLiteral("file"), QVariant::fromValue(Parse::File(file)));
-  return true;
+  return askForFile(parameters, QStringLiteral("file"), getTitle(), archiveFilter(), false);
 }
 
 void ImportScriptArchiveCommand::execute(const GApp::CommandParameters& parameters)
@@ -60,15 +42,15 @@ void ImportScriptArchiveCommand::execute(const GApp::CommandParameters& paramete
   const QString path = getArgument<Parse::File>(parameters, QStringLiteral("file")).getName();
   QFile file(path);
   if (!file.open(QIODevice::ReadOnly))
-    fail(ERR_IMPORT_ARCHIVE, QStringLiteral("%1: %2").arg(QDir::toNativeSeparators(path), file.errorString()));
+    failCommand(ERR_IMPORT_ARCHIVE, QStringLiteral("%1: %2").arg(QDir::toNativeSeparators(path), file.errorString()));
   ErrorLog log;
   std::vector<ArchivedScript> archived;
   if (!ScriptArchive::read(file.readAll(), archived, log))
-    fail(ERR_IMPORT_ARCHIVE, log);
+    failCommand(ERR_IMPORT_ARCHIVE, log);
 
   DatabaseLock database;
   if (!database)
-    fail(ERR_IMPORT_ARCHIVE, QStringLiteral("The script database is not available."));
+    failCommand(ERR_IMPORT_ARCHIVE, QStringLiteral("The script database is not available."));
   std::vector<ScriptToWrite> scripts;
   QStringList existing;
   for (const ArchivedScript& entry : archived) {
@@ -86,7 +68,7 @@ void ImportScriptArchiveCommand::execute(const GApp::CommandParameters& paramete
           QStringLiteral("These scripts exist already:\n%1\nReplace them?").arg(existing.join(QLatin1Char('\n'))),
           false);
   if (!writeScripts(*database.get(), GScript::LEVEL_USER, scripts, replace, log))
-    fail(ERR_IMPORT_ARCHIVE, log);
+    failCommand(ERR_IMPORT_ARCHIVE, log);
   QStringList imported;
   for (const ArchivedScript& entry : archived)
     imported << entry.file_name;
@@ -103,13 +85,7 @@ ExportScriptArchiveCommand::ExportScriptArchiveCommand()
 
 bool ExportScriptArchiveCommand::prepareInteractive(GApp::CommandParameters& parameters)
 {
-  if (parameters.contains(QStringLiteral("file")) || !GTools::isInteractive())
-    return true;
-  const QString file = QFileDialog::getSaveFileName(nullptr, getTitle(), QString(), archiveFilter());
-  if (file.isEmpty())
-    return false;
-  parameters.set(QStringLiteral("file"), QVariant::fromValue(Parse::File(file)));
-  return true;
+  return askForFile(parameters, QStringLiteral("file"), getTitle(), archiveFilter(), true);
 }
 
 void ExportScriptArchiveCommand::execute(const GApp::CommandParameters& parameters)
@@ -121,7 +97,7 @@ void ExportScriptArchiveCommand::execute(const GApp::CommandParameters& paramete
 
   DatabaseLock database;
   if (!database)
-    fail(ERR_EXPORT_ARCHIVE, QStringLiteral("The script database is not available."));
+    failCommand(ERR_EXPORT_ARCHIVE, QStringLiteral("The script database is not available."));
   // Names are qualified names or file names; none means every script.
   QStringList file_names;
   if (names.isEmpty()) {
@@ -137,14 +113,14 @@ void ExportScriptArchiveCommand::execute(const GApp::CommandParameters& paramete
     ArchivedScript entry;
     entry.file_name = file_name;
     if (!database->readScriptBytes(file_name, entry.code, &entry.icon, log))
-      fail(ERR_EXPORT_ARCHIVE, log);
+      failCommand(ERR_EXPORT_ARCHIVE, log);
     entry.metadata = database->getScript(file_name)->getMetadata();
     scripts.push_back(std::move(entry));
   }
   const QByteArray bytes = ScriptArchive::write(scripts);
   QSaveFile file(path);
   if (!file.open(QIODevice::WriteOnly) || file.write(bytes) != bytes.size() || !file.commit())
-    fail(ERR_EXPORT_ARCHIVE, QStringLiteral("%1: %2").arg(QDir::toNativeSeparators(path), file.errorString()));
+    failCommand(ERR_EXPORT_ARCHIVE, QStringLiteral("%1: %2").arg(QDir::toNativeSeparators(path), file.errorString()));
   setResult(file_names);
 }
 

@@ -20,18 +20,6 @@ namespace {
 
 const QString PY = QStringLiteral(".py");
 
-[[noreturn]] void fail(const char* code, const ErrorLog& log)
-{
-  throw GApp::CommandError(QString::fromLatin1(code), log);
-}
-
-[[noreturn]] void fail(const char* code, const QString& line)
-{
-  ErrorLog log;
-  log.addLine(line);
-  fail(code, log);
-}
-
 bool readFile(const QString& path, QByteArray& bytes, ErrorLog& log)
 {
   QFile file(path);
@@ -151,7 +139,7 @@ void ImportScriptCommand::execute(const GApp::CommandParameters& parameters)
 
   if ((!names.isEmpty() && names.size() != files.size()) ||
       (!display_names.isEmpty() && display_names.size() != files.size()))
-    fail(ERR_IMPORT_SCRIPT, QStringLiteral("'names' and 'display_names' must have one entry per file."));
+    failCommand(ERR_IMPORT_SCRIPT, QStringLiteral("'names' and 'display_names' must have one entry per file."));
 
   const QString folder = _target_folder ? _target_folder->getQualifiedName() : QString();
   ErrorLog log;
@@ -159,7 +147,7 @@ void ImportScriptCommand::execute(const GApp::CommandParameters& parameters)
   for (int i = 0; i < files.size(); ++i) {
     ScriptToWrite script;
     if (!readFile(files[i], script.code, log))
-      fail(ERR_IMPORT_SCRIPT, log);
+      failCommand(ERR_IMPORT_SCRIPT, log);
     QString name = names.isEmpty() ? QFileInfo(files[i]).fileName() : names[i];
     if (!name.endsWith(PY))
       name += PY;
@@ -170,7 +158,7 @@ void ImportScriptCommand::execute(const GApp::CommandParameters& parameters)
 
   DatabaseLock database;
   if (!database || !writeScripts(*database.get(), level, scripts, replace, log))
-    fail(ERR_IMPORT_SCRIPT, log);
+    failCommand(ERR_IMPORT_SCRIPT, log);
   QStringList imported;
   for (const ScriptToWrite& script : scripts)
     imported << script.file_name;
@@ -189,14 +177,8 @@ ExportScriptCommand::ExportScriptCommand()
 
 bool ExportScriptCommand::prepareInteractive(GApp::CommandParameters& parameters)
 {
-  if (parameters.contains(QStringLiteral("file")) || !GTools::isInteractive())
-    return true;
-  const QString file = QFileDialog::getSaveFileName(
-      nullptr, getTitle(), QString(), translate("MSysScript_Execute_filedir", "Scripts (*.py)", "id=9988"));
-  if (file.isEmpty())
-    return false;
-  parameters.set(QStringLiteral("file"), QVariant::fromValue(Parse::File(file)));
-  return true;
+  return askForFile(parameters, QStringLiteral("file"), getTitle(),
+                    translate("MSysScript_Execute_filedir", "Scripts (*.py)", "id=9988"), true);
 }
 
 void ExportScriptCommand::execute(const GApp::CommandParameters& parameters)
@@ -205,14 +187,15 @@ void ExportScriptCommand::execute(const GApp::CommandParameters& parameters)
   DatabaseLock database;
   const GScript::Script* current = database ? database->getCurrentScript() : nullptr;
   if (!current)
-    fail(ERR_EXPORT_SCRIPT, QStringLiteral("No script is selected: open the script to export in the script editor."));
+    failCommand(ERR_EXPORT_SCRIPT,
+                QStringLiteral("No script is selected: open the script to export in the script editor."));
   ErrorLog log;
   QByteArray code;
   if (!database->readScriptBytes(current->getFileName(), code, nullptr, log))
-    fail(ERR_EXPORT_SCRIPT, log);
+    failCommand(ERR_EXPORT_SCRIPT, log);
   QSaveFile file(path);
   if (!file.open(QIODevice::WriteOnly) || file.write(code) != code.size() || !file.commit())
-    fail(ERR_EXPORT_SCRIPT, QStringLiteral("%1: %2").arg(QDir::toNativeSeparators(path), file.errorString()));
+    failCommand(ERR_EXPORT_SCRIPT, QStringLiteral("%1: %2").arg(QDir::toNativeSeparators(path), file.errorString()));
   setResult(current->getFileName());
 }
 

@@ -32,13 +32,6 @@ QString checkedName(const QString& name)
   return name;
 }
 
-[[noreturn]] void fail(const char* code, const QString& line)
-{
-  ErrorLog log;
-  log.addLine(line);
-  throw GApp::CommandError(QString::fromLatin1(code), log);
-}
-
 // Whatever way the run ends, the running-script stack and the active menu command shrink.
 class RunningScript
 {
@@ -151,17 +144,17 @@ void ScriptCommand::execute(const GApp::CommandParameters& parameters)
     DatabaseLock database(true);
     const GScript::Script* current = database ? database->getCurrentScript() : nullptr;
     if (current && current->getFileName() == _script_file_name)
-      fail(ERR_EXECUTE_SCRIPT,
-           translate("MSysScript_err", "A script is called which is currently being recorded: '%1'", "id=10050")
-               .arg(_qualified_name));
+      failCommand(ERR_EXECUTE_SCRIPT,
+                  translate("MSysScript_err", "A script is called which is currently being recorded: '%1'", "id=10050")
+                      .arg(_qualified_name));
   }
 
   if (GScript::PythonInterpreter::getInterpreterStack().size() > size_t(MAX_RECURSION_DEPTH))
-    fail(ERR_RECURSION_DEPTH, translate("MSysScript_err",
-                                        "Maximum recursion depth of %1 iterations exceeded. Please use python "
-                                        "functions for true recursive code",
-                                        "id=10051")
-                                  .arg(MAX_RECURSION_DEPTH));
+    failCommand(ERR_RECURSION_DEPTH, translate("MSysScript_err",
+                                               "Maximum recursion depth of %1 iterations exceeded. Please use python "
+                                               "functions for true recursive code",
+                                               "id=10051")
+                                         .arg(MAX_RECURSION_DEPTH));
 
   DatabaseLock database;
   QString text;
@@ -173,8 +166,8 @@ void ScriptCommand::execute(const GApp::CommandParameters& parameters)
     }
   }
   if (text.isEmpty())
-    fail(ERR_EXECUTE_SCRIPT,
-         translate("MSysScript_err", "No script found for command '%1'", "id=10052").arg(getName()));
+    failCommand(ERR_EXECUTE_SCRIPT,
+                translate("MSysScript_err", "No script found for command '%1'", "id=10052").arg(getName()));
 
   GScript::Execute run(text);
   const bool collect = applyRunArguments(parameters, run);

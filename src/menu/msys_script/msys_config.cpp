@@ -12,8 +12,14 @@ const double MAX_DOUBLE = std::numeric_limits<double>::max();
 CfgNode* configuration_root = nullptr;
 }  // namespace
 
-CfgNode* configurationRoot() { return configuration_root; }
-void setConfigurationRoot(CfgNode* root) { configuration_root = root; }
+CfgNode* configurationRoot()
+{
+  return configuration_root;
+}
+void setConfigurationRoot(CfgNode* root)
+{
+  configuration_root = root;
+}
 
 void declareConfiguration(CfgNode* root)
 {
