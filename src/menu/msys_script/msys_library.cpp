@@ -23,7 +23,7 @@
 #include "menu/msys_script/msys_python_highlighter.h"
 #include "menu/msys_script/msys_python_script_creator.h"
 #include "menu/msys_script/msys_python_script_database.h"
-#include "menu/msys_script/msys_special_menu_provider.h"
+#include "menu/msys_script/msys_script_menu_provider.h"
 
 namespace Vel::MSysScript {
 namespace {

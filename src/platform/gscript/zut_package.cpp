@@ -125,13 +125,13 @@ class _SourceFinder:
             return importlib.util.spec_from_loader(fullname, cls, origin=stem + ".py")
         prefix = stem + "/"
         if any(name.startswith(prefix) for name in names):
-            spec = importlib.util.spec_from_loader(fullname, cls, origin=stem, is_package=True)
-            spec.submodule_search_locations = []
-            return spec
+            package = importlib.util.spec_from_loader(fullname, cls, origin=stem, is_package=True)
+            package.submodule_search_locations = []
+            return package
         return None
 
     @staticmethod
-    def create_module(spec):
+    def create_module(module_spec):
         return None
 
     @staticmethod

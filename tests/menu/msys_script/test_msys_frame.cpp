@@ -14,7 +14,7 @@
 #include "menu/msys_script/msys_config.h"
 #include "menu/msys_script/msys_error_codes.h"
 #include "menu/msys_script/msys_exit_notifier.h"
-#include "menu/msys_script/msys_special_menu_provider.h"
+#include "menu/msys_script/msys_script_menu_provider.h"
 #include "msys_fixture.h"
 
 using namespace Vel;

@@ -17,7 +17,7 @@
 #include "menu/msys_script/msys_cmd_editor.h"
 #include "menu/msys_script/msys_cmd_script.h"
 #include "menu/msys_script/msys_python_script_database.h"
-#include "menu/msys_script/msys_special_menu_provider.h"
+#include "menu/msys_script/msys_script_menu_provider.h"
 #include "msys_fixture.h"
 #include "test_util.h"
 

@@ -1,4 +1,4 @@
-#include "menu/msys_script/msys_special_menu_provider.h"
+#include "menu/msys_script/msys_script_menu_provider.h"
 
 #include <QMenu>
 
@@ -12,7 +12,7 @@ namespace {
 
 ScriptSpecialMenuProvider* instance = nullptr;
 
-const QString SOURCE = QStringLiteral("msys_special_menu_provider");
+const QString SOURCE = QStringLiteral("msys_script_menu_provider");
 
 // Empty names stand for separators.
 const char* const MENU_COMMANDS[] = {
