@@ -373,6 +373,71 @@ int editor(ZutHost&, const QStringList& arguments, bool)
   return QApplication::exec() == 0 ? EXIT_OK : EXIT_FAILED;
 }
 
+// The module's own reader checks each definition; faults as FILE:LINE: message.
+int lint(ZutHost& host, const QStringList& arguments, bool json)
+{
+  bool normalize = false;
+  QStringList files;
+  for (const QString& argument : arguments) {
+    if (argument == QLatin1String("--normalize"))
+      normalize = true;
+    else
+      files << argument;
+  }
+  if (files.isEmpty())
+    return usage("lint", QStringLiteral("at least one FILE.xml is expected"));
+  if (normalize && files.size() != 1)
+    return usage("lint", QStringLiteral("--normalize takes exactly one FILE.xml"));
+  using Check = char* (*)(const char*, int, int*);
+  using Free = void (*)(char*);
+  const auto check = reinterpret_cast<Check>(host.module()->resolve("CheckDialogDefinition"));
+  const auto free_result = reinterpret_cast<Free>(host.module()->resolve("FreeAnalysis"));
+  if (!check || !free_result) {
+    printErr(QStringLiteral("zut lint: the scripting module cannot read dialog definitions\n"));
+    return EXIT_FAILED;
+  }
+
+  bool any_fault = false;
+  QString text;
+  QJsonArray faults;
+  for (const QString& file : files) {
+    QByteArray source;
+    if (!readSource("lint", file, source)) {
+      any_fault = true;
+      continue;
+    }
+    int faulty = 0;
+    char* result = check(source.constData(), normalize ? 1 : 0, &faulty);
+    if (!result) {
+      printErr(QStringLiteral("zut lint: %1: the scripting module failed to read it\n").arg(file));
+      return EXIT_FAILED;
+    }
+    const QString output = QString::fromUtf8(result);
+    free_result(result);
+    if (!faulty) {
+      text += output;
+      continue;
+    }
+    any_fault = true;
+    for (const QString& line : output.split(QLatin1Char('\n'), Qt::SkipEmptyParts)) {
+      const int tab = line.indexOf(QLatin1Char('\t'));
+      const int number = line.left(tab).toInt();
+      const QString message = line.mid(tab + 1);
+      faults.append(QJsonObject{
+          {QStringLiteral("file"), file}, {QStringLiteral("line"), number}, {QStringLiteral("message"), message}});
+      text += number < 0 ? QStringLiteral("%1: %2\n").arg(file, message)
+                         : QStringLiteral("%1:%2: %3\n").arg(file).arg(number).arg(message);
+    }
+  }
+  if (json && !normalize)
+    printOut(QString::fromUtf8(QJsonDocument(faults).toJson()));
+  else if (any_fault)
+    printErr(text);
+  else
+    printOut(text);
+  return any_fault ? EXIT_FAILED : EXIT_OK;
+}
+
 const SubCommand SUB_COMMANDS[] = {
     {"run", "FILE.py [-p NAME=VALUE]...",
      "Runs a Python script file through the command sys.execute_script. Each -p passes a parameter,\n"
@@ -404,6 +469,11 @@ const SubCommand SUB_COMMANDS[] = {
      "runs the script. User scripts live in $XDG_DATA_HOME/zut/scripts (~/.local/share/zut/scripts),\n"
      "public ones in $ZUT_PUBLIC_SCRIPTS.",
      false, listScripts},
+    {"lint", "FILE.xml... [--json] | --normalize FILE.xml",
+     "Reads user-defined dialog definitions as the dialogs do and checks every element; prints\n"
+     "each fault as FILE:LINE: message and exits 1 if there is any. --normalize prints the\n"
+     "definition as it is written now (older words converted).",
+     true, lint},
     {"config", "[KEY [VALUE]] [--json]",
      "Lists the configuration items, prints one, or sets one. A value is checked against the\n"
      "item's type and range and saved at once.",

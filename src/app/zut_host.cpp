@@ -1,13 +1,27 @@
 #include "zut_host.h"
 
+#include <QApplication>
+
 #include <cstdio>
 
 #include "core/prog_error.h"
 #include "gapp/app_status_manager.h"
 #include "gapp/command_container.h"
 #include "gscript/python_interpreter.h"
+#include "gtools/dialog_widget_supplier.h"
 
 namespace {
+
+// The program has no main window to embed dialogs in: they are top-level windows over whatever
+// window is active.
+class ZutDialogSupplier : public Vel::GTools::DialogWidgetSupplierInterface
+{
+public:
+  QWidget* getDialogParent() const override { return QApplication::activeWindow(); }
+  bool canEmbed() const override { return false; }
+};
+
+ZutDialogSupplier dialog_supplier;
 
 void warn(const QString& text)
 {
@@ -25,6 +39,7 @@ ZutHost::~ZutHost()
 
 bool ZutHost::start()
 {
+  Vel::GTools::DialogWidgetSupplierInterface::setInstance(&dialog_supplier);
   _cfg->load();
   for (const QString& problem : _cfg->takeProblems())
     warn(QStringLiteral("warning: ") + problem);

@@ -17,6 +17,8 @@
 #include "menu/msys_script/msys_cmd_export_script.h"
 #include "menu/msys_script/msys_cmd_test_timeout.h"
 #include "menu/msys_script/msys_config.h"
+#include "menu/msys_script/msys_dialog_definition.h"
+#include "menu/msys_script/msys_dialog_widgets.h"
 #include "menu/msys_script/msys_error_codes.h"
 #include "menu/msys_script/msys_exit_notifier.h"
 #include "menu/msys_script/msys_python_dump.h"
@@ -90,6 +92,7 @@ void CloseLibrary()
 void InitDefaults()
 {
   guarded("InitDefaults", [] {
+    DialogRegistry::initialize();
     GApp::AppStatusManager::registerExitNotifier(&ExitNotifier::getInstance());
     ScriptSpecialMenuProvider::initialize();
     if (!squish_proxy) {
@@ -143,6 +146,31 @@ char* AnalyzePythonText(const char* what, const char* text, int json)
       output = json ? runsToJson(runs) : runsToText(runs);
     } else {
       return;
+    }
+    result = qstrdup(output.toUtf8().constData());
+  });
+  return result;
+}
+
+char* CheckDialogDefinition(const char* text, int normalize, int* faulty)
+{
+  char* result = nullptr;
+  guarded("CheckDialogDefinition", [&] {
+    QString output;
+    *faulty = 0;
+    try {
+      const auto definition = DialogDefinition::read(QString::fromUtf8(text), DialogWidget::DialogMode::Editor);
+      for (const DialogDefinition::Cell& cell : definition->getCells()) {
+        QString error;
+        if (!cell.widget->checkConfiguration(&error))
+          output += QStringLiteral("%1\t%2\n").arg(cell.widget->getSourceLine()).arg(error);
+      }
+      *faulty = output.isEmpty() ? 0 : 1;
+      if (!*faulty && normalize)
+        output = definition->write();
+    } catch (const Xml::ParseException& error) {
+      *faulty = 1;
+      output = QStringLiteral("%1\t%2\n").arg(error.getLine()).arg(error.getParseMessage());
     }
     result = qstrdup(output.toUtf8().constData());
   });

@@ -22,5 +22,10 @@ VEL_EXPORT void UpdateRegisteredCommands();
 // unknown request.
 VEL_EXPORT char* AnalyzePythonText(const char* what, const char* text, int json);
 VEL_EXPORT void FreeAnalysis(char* analysis);
+// For the program's tools: reads a dialog definition (UTF-8) and checks every element. Sets
+// `faulty` and returns the faults, one "LINE<TAB>message" a line (LINE -1 when unknown); or,
+// without a fault and with `normalize`, the definition as it is written now (otherwise empty).
+// Released with FreeAnalysis; null after a program error.
+VEL_EXPORT char* CheckDialogDefinition(const char* text, int normalize, int* faulty);
 }
 }  // namespace Vel::MSysScript

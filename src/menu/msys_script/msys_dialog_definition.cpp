@@ -1,0 +1,347 @@
+#include "menu/msys_script/msys_dialog_definition.h"
+
+#include <QDomDocument>
+#include <QSet>
+#include <QXmlStreamWriter>
+
+#include <algorithm>
+
+#include "core/prog_error.h"
+#include "core/translate.h"
+#include "gtools/dialog_widget_supplier.h"
+
+namespace Vel::MSysScript {
+
+namespace {
+
+const QString TAG_DIALOG = QStringLiteral("dialog");
+const QString TAG_TITLE = QStringLiteral("title");
+const QString TAG_CONTROL = QStringLiteral("control");
+const QString TAG_POSITION = QStringLiteral("position");
+const QString TAG_EMBEDDING = QStringLiteral("embedding");
+const QString TAG_SIZEMODE = QStringLiteral("sizemode");
+const QString TAG_SIZE = QStringLiteral("size");
+const QString TAG_STYLE = QStringLiteral("style");
+const QString TAG_CONTENT = QStringLiteral("content");
+const QString TAG_WIDGET = QStringLiteral("widget");
+const QString ATTR_ID = QStringLiteral("id");
+const QString ATTR_WIDTH = QStringLiteral("width");
+const QString ATTR_HEIGHT = QStringLiteral("height");
+const QString ATTR_ROWS = QStringLiteral("rows");
+const QString ATTR_COLUMNS = QStringLiteral("columns");
+const QString ATTR_TYPE = QStringLiteral("type");
+const QString ATTR_ROW = QStringLiteral("row");
+const QString ATTR_COLUMN = QStringLiteral("column");
+const QString ATTR_ROWSPAN = QStringLiteral("rowspan");
+const QString ATTR_COLUMNSPAN = QStringLiteral("columnspan");
+
+// Words of older definitions, converted while reading and never written.
+const QString EMBEDDING_OLD_EMBEDDED = QStringLiteral("embedded");
+const QString EMBEDDING_OLD_FULLSIZE = QStringLiteral("fullsize_embedded");
+// Older names of the touch screen style.
+const QString STYLE_OLD_TOUCH_DARK = QStringLiteral("TouchDark");
+const QString STYLE_OLD_TOUCH_LIGHT = QStringLiteral("TouchLight");
+
+QString dialogErr(const char* text)
+{
+  return translate("MSysScript_Dialog_err", text, "");
+}
+
+QString err(const char* text)
+{
+  return translate("MSysScript_err", text, "");
+}
+
+// Cells of the grid covered so far.
+class Coverage
+{
+public:
+  Coverage(int rows, int columns) : _columns(columns), _covered(static_cast<size_t>(rows) * columns, false) {}
+  bool isCovered(int row, int column) const { return _covered[index(row, column)]; }
+  void cover(int row, int column) { _covered[index(row, column)] = true; }
+
+private:
+  size_t index(int row, int column) const { return static_cast<size_t>(row) * _columns + column; }
+  int _columns;
+  std::vector<bool> _covered;
+};
+
+int optionalSpan(const QDomElement& element, const QString& name)
+{
+  return Xml::hasAttribute(element, name) ? Xml::getAttribute<int>(element, name) : 1;
+}
+
+void readHeader(const QDomElement& root, DialogHeader& header)
+{
+  header.title = Xml::getValue<QString>(root, TAG_TITLE);
+  header.control_id = Xml::getAttribute<QString>(Xml::getChild(root, TAG_CONTROL), ATTR_ID);
+  header.position.read(root, TAG_POSITION);
+
+  if (Xml::hasChild(root, TAG_EMBEDDING)) {
+    const QString word = Xml::getValue<QString>(root, TAG_EMBEDDING);
+    if (word == EMBEDDING_OLD_EMBEDDED) {
+      header.embedding.set(DialogEmbedding::EmbeddedInKiosk);
+      header.position.set(DialogPosition::Left);
+    } else if (word == EMBEDDING_OLD_FULLSIZE) {
+      header.embedding.set(DialogEmbedding::EmbeddedInKiosk);
+      header.position.set(DialogPosition::Center);
+    } else {
+      header.embedding.read(root, TAG_EMBEDDING);
+    }
+  }
+
+  header.size_mode.read(root, TAG_SIZEMODE);
+
+  if (Xml::hasChild(root, TAG_SIZE)) {
+    const QDomElement size = Xml::getChild(root, TAG_SIZE);
+    const int width = Xml::getAttribute<int>(size, ATTR_WIDTH);
+    const int height = Xml::getAttribute<int>(size, ATTR_HEIGHT);
+    header.size = width < 1 || height < 1 ? QSize() : QSize(width, height);
+  }
+
+  if (Xml::hasChild(root, TAG_STYLE)) {
+    const QDomElement style = Xml::getChild(root, TAG_STYLE);
+    QString name = style.text();
+    if (name == STYLE_OLD_TOUCH_DARK || name == STYLE_OLD_TOUCH_LIGHT)
+      name = dialogStyleNames().at(1);
+    if (!dialogStyleNames().contains(name))
+      throw Xml::ParseException(style, dialogErr("The dialog style \"%1\" is unknown.").arg(name));
+    header.style = name;
+  }
+}
+
+void readGrid(const QDomElement& root, DialogDefinition& definition, DialogWidget::DialogMode::Type_t mode)
+{
+  const QDomElement content = Xml::getChild(root, TAG_CONTENT);
+  const int rows = Xml::getAttribute<int>(content, ATTR_ROWS);
+  const int columns = Xml::getAttribute<int>(content, ATTR_COLUMNS);
+  if (rows < 0 || rows > DialogDefinition::MAX_ROWS)
+    throw Xml::ParseException(content, dialogErr("Invalid row %1").arg(rows));
+  if (columns < 0 || columns > DialogDefinition::MAX_COLUMNS ||
+      static_cast<long long>(rows) * columns > DialogDefinition::MAX_CELLS)
+    throw Xml::ParseException(content, dialogErr("Invalid column %1").arg(columns));
+  definition.rows = rows;
+  definition.columns = columns;
+
+  DialogRegistry* registry = DialogRegistry::getRegistry();
+  Coverage coverage(rows, columns);
+  for (const QDomElement& element : Xml::getChildren(content, TAG_WIDGET)) {
+    const QString type = Xml::getAttribute<QString>(element, ATTR_TYPE);
+    const DialogWidgetCreator* creator = type == DialogWidgetCreator::EMPTY_WIDGET_ID
+                                             ? DialogRegistry::getEmptyWidgetCreator()
+                                             : registry->getWidgetCreator(type);
+    if (!creator)
+      throw Xml::ParseException(element, dialogErr("The GUI element type \"%1\" is expected.").arg(type));
+
+    const int row = Xml::getAttribute<int>(element, ATTR_ROW);
+    const int column = Xml::getAttribute<int>(element, ATTR_COLUMN);
+    const int row_span = optionalSpan(element, ATTR_ROWSPAN);
+    const int column_span = optionalSpan(element, ATTR_COLUMNSPAN);
+    // A span must stay inside the grid as its first cell must.
+    if (row < 0 || row >= rows)
+      throw Xml::ParseException(element, dialogErr("Invalid row %1").arg(row));
+    if (row_span < 1 || row_span > rows - row)
+      throw Xml::ParseException(element, dialogErr("Invalid row %1").arg(row + row_span - 1));
+    if (column < 0 || column >= columns)
+      throw Xml::ParseException(element, dialogErr("Invalid column %1").arg(column));
+    if (column_span < 1 || column_span > columns - column)
+      throw Xml::ParseException(element, dialogErr("Invalid column %1").arg(column + column_span - 1));
+    for (int r = row; r < row + row_span; ++r)
+      for (int c = column; c < column + column_span; ++c) {
+        if (coverage.isCovered(r, c))
+          throw Xml::ParseException(element, dialogErr("Duplicate cell entry in (%1, %2).").arg(r).arg(c));
+        coverage.cover(r, c);
+      }
+
+    DialogWidget* widget = creator->createWidget();
+    widget->setObjectName(type);
+    widget->setDialogMode(mode);
+    widget->setSourceLine(element.lineNumber());
+    definition.addCell(widget, row, column, row_span, column_span);
+    widget->parseXml(element);
+  }
+
+  for (int r = 0; r < rows; ++r)
+    for (int c = 0; c < columns; ++c)
+      if (!coverage.isCovered(r, c)) {
+        DialogWidget* placeholder = DialogRegistry::getEmptyWidgetCreator()->createWidget();
+        placeholder->setObjectName(DialogWidgetCreator::EMPTY_WIDGET_ID);
+        placeholder->setDialogMode(mode);
+        definition.addCell(placeholder, r, c);
+      }
+}
+
+void checkNames(const DialogDefinition& definition)
+{
+  QSet<QString> names;
+  for (const DialogDefinition::Cell& cell : definition.getCells()) {
+    const QString name = cell.widget->getName();
+    // Placeholders have no name to collide.
+    if (name.isEmpty() || cell.widget->getCreatorId() == DialogWidgetCreator::EMPTY_WIDGET_ID)
+      continue;
+    if (names.contains(name))
+      throw Xml::ParseException(err("The name \"%1\" of the GUI element exists twice.").arg(name),
+                                cell.widget->getSourceLine());
+    names.insert(name);
+  }
+}
+
+// Attributes in a fixed order, those of the format first: the DOM keeps them unordered, and a
+// definition must come out the same every time it is written.
+void writeNode(QXmlStreamWriter& writer, const QDomNode& node)
+{
+  static const QStringList order = {ATTR_ID,         ATTR_TYPE,  ATTR_ROW,    ATTR_COLUMN, ATTR_ROWSPAN,
+                                    ATTR_COLUMNSPAN, ATTR_WIDTH, ATTR_HEIGHT, ATTR_ROWS,   ATTR_COLUMNS};
+  if (node.isCDATASection()) {
+    writer.writeCDATA(node.nodeValue());
+  } else if (node.isText()) {
+    writer.writeCharacters(node.nodeValue());
+  } else if (node.isElement()) {
+    const QDomElement element = node.toElement();
+    writer.writeStartElement(element.tagName());
+    const QDomNamedNodeMap attributes = element.attributes();
+    std::vector<QString> names;
+    for (int i = 0; i < attributes.count(); ++i)
+      names.push_back(attributes.item(i).nodeName());
+    std::sort(names.begin(), names.end(), [](const QString& a, const QString& b) {
+      const auto rank = [](const QString& name) {
+        const int index = order.indexOf(name);
+        return index < 0 ? order.size() : index;
+      };
+      return rank(a) != rank(b) ? rank(a) < rank(b) : a < b;
+    });
+    for (const QString& name : names)
+      writer.writeAttribute(name, element.attribute(name));
+    for (QDomNode child = element.firstChild(); !child.isNull(); child = child.nextSibling())
+      writeNode(writer, child);
+    writer.writeEndElement();
+  }
+}
+
+}  // namespace
+
+QStringList dialogStyleNames()
+{
+  return {QStringLiteral("Standard"), QStringLiteral("Touch screen")};
+}
+
+DialogHeader::DialogHeader()
+    : position(DialogPosition::Automatic, {{DialogPosition::Automatic, QStringLiteral("automatic")},
+                                           {DialogPosition::Center, QStringLiteral("center")},
+                                           {DialogPosition::Left, QStringLiteral("left")},
+                                           {DialogPosition::Right, QStringLiteral("right")},
+                                           {DialogPosition::Bottom, QStringLiteral("bottom")},
+                                           {DialogPosition::TopLeft, QStringLiteral("top_left")},
+                                           {DialogPosition::TopRight, QStringLiteral("top_right")},
+                                           {DialogPosition::BottomLeft, QStringLiteral("bottom_left")},
+                                           {DialogPosition::BottomRight, QStringLiteral("bottom_right")}}),
+      embedding(DialogEmbedding::AlwaysTopLevel,
+                {{DialogEmbedding::AlwaysTopLevel, QStringLiteral("always_toplevel")},
+                 {DialogEmbedding::EmbeddedInKiosk, QStringLiteral("embedded_in_kiosk")}}),
+      size_mode(DialogSizeMode::Automatic, {{DialogSizeMode::Automatic, QStringLiteral("automatic")},
+                                            {DialogSizeMode::Fixed, QStringLiteral("fixed")},
+                                            {DialogSizeMode::Maximized, QStringLiteral("maximized")}}),
+      style(dialogStyleNames().front())
+{}
+
+DialogDefinition::DialogDefinition() = default;
+
+DialogDefinition::~DialogDefinition()
+{
+  for (const Cell& cell : _cells)
+    delete cell.widget;
+}
+
+DialogWidget* DialogDefinition::getWidget(int row, int column) const
+{
+  for (const Cell& cell : _cells)
+    if (row >= cell.row && row < cell.row + cell.row_span && column >= cell.column &&
+        column < cell.column + cell.column_span)
+      return cell.widget;
+  return nullptr;
+}
+
+DialogWidget* DialogDefinition::findWidget(const QString& name) const
+{
+  for (const Cell& cell : _cells)
+    if (cell.widget->getCreatorId() != DialogWidgetCreator::EMPTY_WIDGET_ID && cell.widget->getName() == name)
+      return cell.widget;
+  return nullptr;
+}
+
+void DialogDefinition::addCell(DialogWidget* widget, int row, int column, int rowSpan, int columnSpan)
+{
+  _cells.push_back({widget, row, column, rowSpan, columnSpan});
+}
+
+std::unique_ptr<DialogDefinition> DialogDefinition::read(const QString& text, DialogWidget::DialogMode::Type_t mode)
+{
+  if (!GTools::DialogWidgetSupplierInterface::getInstance())
+    throw ProgError(QStringLiteral("DialogDefinition::read"), QStringLiteral(__FILE__),
+                    QStringLiteral("Script dialog supplier interface not instantiated"));
+
+  QDomDocument document;
+  QString message;
+  int line = -1;
+  int column = -1;
+  if (!document.setContent(text, &message, &line, &column))
+    throw Xml::ParseException(translate("MSysScript_err", "Parse error: %1", "").arg(message), line);
+
+  const QDomElement root = document.documentElement();
+  Xml::checkTag(root, TAG_DIALOG);
+
+  auto definition = std::make_unique<DialogDefinition>();
+  readHeader(root, definition->header);
+  readGrid(root, *definition, mode);
+  if (!DialogRegistry::getRegistry()->getControlCreator(definition->header.control_id))
+    throw Xml::ParseException(Xml::getChild(root, TAG_CONTROL),
+                              err("Unknown dialog type: %1").arg(definition->header.control_id));
+  checkNames(*definition);
+  return definition;
+}
+
+QString DialogDefinition::write() const
+{
+  QDomDocument document;
+  QDomElement root = document.createElement(TAG_DIALOG);
+  document.appendChild(root);
+
+  root.appendChild(Xml::createValue(&document, TAG_TITLE, header.title));
+  root.appendChild(Xml::createValue(&document, TAG_STYLE, header.style));
+  QDomElement control = document.createElement(TAG_CONTROL);
+  control.setAttribute(ATTR_ID, header.control_id);
+  root.appendChild(control);
+  header.position.create(&document, root, TAG_POSITION);
+  header.embedding.create(&document, root, TAG_EMBEDDING);
+  header.size_mode.create(&document, root, TAG_SIZEMODE);
+  QDomElement size = document.createElement(TAG_SIZE);
+  size.setAttribute(ATTR_WIDTH, header.size.isValid() ? header.size.width() : 0);
+  size.setAttribute(ATTR_HEIGHT, header.size.isValid() ? header.size.height() : 0);
+  root.appendChild(size);
+
+  QDomElement content = document.createElement(TAG_CONTENT);
+  content.setAttribute(ATTR_ROWS, rows);
+  content.setAttribute(ATTR_COLUMNS, columns);
+  for (const Cell& cell : _cells) {
+    QDomElement element = document.createElement(TAG_WIDGET);
+    element.setAttribute(ATTR_TYPE, cell.widget->getCreatorId());
+    element.setAttribute(ATTR_ROW, cell.row);
+    element.setAttribute(ATTR_COLUMN, cell.column);
+    element.setAttribute(ATTR_ROWSPAN, cell.row_span);
+    element.setAttribute(ATTR_COLUMNSPAN, cell.column_span);
+    cell.widget->createXml(&document, &element);
+    content.appendChild(element);
+  }
+  root.appendChild(content);
+
+  QString text;
+  QXmlStreamWriter writer(&text);
+  writer.setAutoFormatting(true);
+  writer.setAutoFormattingIndent(2);
+  writer.writeStartDocument();
+  writeNode(writer, root);
+  writer.writeEndDocument();
+  return text;
+}
+
+}  // namespace Vel::MSysScript

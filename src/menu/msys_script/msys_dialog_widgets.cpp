@@ -1,0 +1,432 @@
+#include "menu/msys_script/msys_dialog_widgets.h"
+
+#include <QHBoxLayout>
+#include <QPainter>
+#include <QPushButton>
+#include <QVariantMap>
+
+#include <algorithm>
+
+#include "core/prog_error.h"
+#include "core/translate.h"
+#include "gtools/error_dialog.h"
+#include "gtools/vel_tool_tip_label.h"
+#include "menu/msys_script/VelMSysXmlTools.h"
+#include "menu/msys_script/msys_dialog_controls.h"
+#include "menu/msys_script/msys_dialog_property.h"
+#include "menu/msys_script/msys_error_codes.h"
+
+namespace Vel::MSysScript {
+
+namespace {
+
+QString err(const char* text, const char* key = "")
+{
+  return translate("MSysScript_err", text, key);
+}
+
+QString editorText(const char* text, const char* key = "")
+{
+  return translate("MSysScript_DialogEditor_other", text, key);
+}
+
+[[noreturn]] void progError(const char* function, const QString& message)
+{
+  throw ProgError(QString::fromLatin1(function), QStringLiteral(__FILE__), message);
+}
+
+}  // namespace
+
+// ---------------------------------------------------------------------------------------------
+
+const QString DialogWidget::TAG_NAME = QStringLiteral("name");
+const QString DialogWidget::TAG_TOOLTIP = QStringLiteral("tooltip");
+const QString DialogWidget::TAG_ENABLED = QStringLiteral("enabled");
+const QString DialogWidget::TAG_VALUE = QStringLiteral("value");
+const QString DialogWidget::TAG_ATTRIBUTES = QStringLiteral("attributes");
+const QString DialogWidget::TAG_FOCUS = QStringLiteral("focus");
+
+DialogWidget::DialogWidget(const QString& creatorId) : _creator_id(creatorId) {}
+
+void DialogWidget::setTooltip(const QString& tooltip)
+{
+  _tooltip = tooltip;
+  updateWidget();
+}
+
+bool DialogWidget::checkConfiguration(QString* error) const
+{
+  if (getName().isEmpty()) {
+    if (error)
+      *error = err("The name for the GUI element is missing.");
+    return false;
+  }
+  return true;
+}
+
+void DialogWidget::parseXml(const QDomNode& node)
+{
+  setName(Xml::getValue<QString>(node, TAG_NAME));
+  if (Xml::hasChild(node, TAG_TOOLTIP))
+    _tooltip = Xml::getValue<QString>(node, TAG_TOOLTIP);
+  updateWidget();
+}
+
+void DialogWidget::createXml(QDomDocument* document, QDomElement* element) const
+{
+  element->appendChild(Xml::createValue(document, TAG_NAME, getName()));
+  element->appendChild(Xml::createValue(document, TAG_TOOLTIP, _tooltip));
+}
+
+void DialogWidget::takeFocus()
+{
+  setFocus(Qt::OtherFocusReason);
+}
+
+QString DialogWidget::__doc__() const
+{
+  const DialogWidgetCreator* creator = DialogRegistry::getRegistry()->getWidgetCreator(_creator_id);
+  if (!creator && _creator_id == DialogWidgetCreator::EMPTY_WIDGET_ID)
+    creator = DialogRegistry::getEmptyWidgetCreator();
+  if (!creator)
+    progError(__func__, QStringLiteral("Widget has no valid creator"));
+
+  QString doc = translate("MSysScript_Dialog_other", "Handle for a widget called '%1' of type '%2' (%3)", "")
+                    .arg(getName(), creator->getDisplayName(), creator->getId());
+  doc += QLatin1Char('\n') + translate("MSysScript_Dialog_other", "Attributes:", "");
+  for (const AttributeInfo& info : getAttributeInfo())
+    doc += QLatin1Char('\n') + QStringLiteral("%1 %3 - %2").arg(info.name, info.description, info.type_name);
+  return doc;
+}
+
+QVariant DialogWidget::__getattr__(const QString& name) const
+{
+  if (name == TAG_NAME)
+    return getName();
+  if (name == TAG_VALUE)
+    return getValue();
+  if (name == TAG_TOOLTIP)
+    return _tooltip;
+  if (name == TAG_ENABLED)
+    return isEnabled();
+  if (name == TAG_FOCUS)
+    return hasFocus();
+  if (name == TAG_ATTRIBUTES) {
+    QVariantMap attributes;
+    for (const AttributeInfo& info : getAttributeInfo())
+      if (info.name != TAG_ATTRIBUTES)
+        attributes.insert(info.name, __getattr__(info.name));
+    return attributes;
+  }
+  return QVariant();
+}
+
+void DialogWidget::__setattr__(const QString& name, const QVariant& value)
+{
+  if (name == TAG_NAME)
+    setName(value.toString());
+  else if (name == TAG_TOOLTIP)
+    setTooltip(value.toString());
+  else if (name == TAG_ENABLED)
+    setEnabled(value.toBool());
+  else if (name == TAG_FOCUS) {
+    if (value.toBool())
+      takeFocus();
+  } else
+    throwNotWritable(name);
+}
+
+std::vector<AttributeInfo> DialogWidget::getAttributeInfo() const
+{
+  const char* context = "MSysScript_Dialog_other";
+  return {
+      {TAG_NAME, QStringLiteral("str"), translate(context, "Name of the element", ""), false},
+      {TAG_VALUE, QStringLiteral("object"), translate(context, "Current value of the element", ""), true},
+      {TAG_TOOLTIP, QStringLiteral("str"), translate(context, "Tooltip of the element", ""), false},
+      {TAG_ENABLED, QStringLiteral("bool"), translate(context, "Whether the element accepts input", ""), false},
+      {TAG_FOCUS, QStringLiteral("bool"), translate(context, "Whether the element has the keyboard focus", ""), false},
+      {TAG_ATTRIBUTES, QStringLiteral("dict"), translate(context, "All attributes with their values", ""), true},
+  };
+}
+
+void DialogWidget::updateWidget()
+{
+  setToolTip(_tooltip);
+}
+
+void DialogWidget::slotModified()
+{
+  Q_EMIT signalModified(this);
+}
+
+void DialogWidget::throwNotWritable(const QString& name)
+{
+  throw ScriptTypeException(err("The object has no writeable attribute \"%1\".").arg(name));
+}
+
+// ---------------------------------------------------------------------------------------------
+
+DialogControl::DialogControl(const QString& creatorId, const QString& formName) : _creator_id(creatorId)
+{
+  setObjectName(formName);
+  auto* layout = new QHBoxLayout(this);
+  layout->setContentsMargins(0, 0, 0, 0);
+  _status = new Vel_ToolTipLabel(this);
+  _status->setObjectName(QStringLiteral("_status"));
+  layout->addWidget(_status, 1);
+}
+
+void DialogControl::updateEnabledState(bool enabled)
+{
+  for (QPushButton* button : findChildren<QPushButton*>())
+    button->setEnabled(enabled);
+}
+
+Vel_ToolTipLabel* DialogControl::getStatusLabel() const
+{
+  return _status;
+}
+
+void DialogControl::addButtons(const std::vector<QPushButton*>& buttons)
+{
+  for (QPushButton* button : buttons)
+    layout()->addWidget(button);
+}
+
+void DialogControl::throwInvalidButton(const QString& buttonId)
+{
+  throw ScriptTypeException(translate("MSysScript_DialogEditor_err", "Invalid control ID \"%1\"", "").arg(buttonId));
+}
+
+// ---------------------------------------------------------------------------------------------
+
+const QString DialogWidgetCreator::EMPTY_WIDGET_ID = QStringLiteral("empty");
+
+QString DialogWidgetCreator::Category::getTitle(Type_t category)
+{
+  switch (category) {
+    case Output: return editorText("Output");
+    case Input: return editorText("Input");
+    case Buttons: return editorText("Buttons");
+    case Selection: return editorText("Selection");
+    case Layout: return editorText("Layout");
+    case Other: break;
+  }
+  return editorText("Other");
+}
+
+DialogWidgetCreator::DialogWidgetCreator(const QString& id, Category::Type_t category) : _id(id), _category(category) {}
+
+DialogWidgetCreator::~DialogWidgetCreator() = default;
+
+QPixmap DialogWidgetCreator::createDragPixmap() const
+{
+  std::unique_ptr<DialogWidget> widget(createWidget());
+  widget->setDialogMode(DialogWidget::DialogMode::Editor);
+  widget->adjustSize();
+  return widget->grab();
+}
+
+const QString DialogControlCreator::EMPTY_ID = QStringLiteral("Empty");
+const QString DialogControlCreator::KIOSK_ID = QStringLiteral("kiosk");
+
+DialogControlCreator::DialogControlCreator(const QString& id) : _id(id) {}
+
+DialogControlCreator::~DialogControlCreator() = default;
+
+// ---------------------------------------------------------------------------------------------
+
+ElementConfiguration::ElementConfiguration(QWidget* parent) : QWidget(parent) {}
+
+void ElementConfiguration::setup(const DialogWidget* widget)
+{
+  for (Property* property : _properties)
+    if (!property->getKey().isEmpty())
+      property->setValue(widget->__getattr__(property->getKey()));
+  updateWidget();
+}
+
+void ElementConfiguration::apply(DialogWidget* widget)
+{
+  _apply_errors.clear();
+  for (Property* property : _properties) {
+    if (property->getKey().isEmpty())
+      continue;
+    try {
+      widget->__setattr__(property->getKey(), property->getValue());
+    } catch (const ScriptTypeException& error) {
+      _apply_errors
+          << QStringLiteral("ERROR while setting property '%1': %2").arg(property->getKey(), error.getMessage());
+    }
+  }
+  if (!_apply_errors.isEmpty())
+    GTools::ErrorDialog(QString::fromLatin1(ERR_EXECUTE_SCRIPT), _apply_errors.join(QLatin1Char('\n')));
+}
+
+void ElementConfiguration::doubleClicked(DialogWidget*) {}
+
+void ElementConfiguration::slotModified()
+{
+  Q_EMIT signalModified();
+}
+
+void ElementConfiguration::updateWidget() {}
+
+void ElementConfiguration::addProperty(Property* property)
+{
+  property->setParent(this);
+  _properties.push_back(property);
+  connect(property, &Property::signalModified, this, &ElementConfiguration::slotModified);
+}
+
+void ElementConfiguration::addCommonProperties()
+{
+  addProperty(new SeparatorProperty(editorText("General")));
+  addProperty(new StringProperty(DialogWidget::TAG_NAME, editorText("Name")));
+  addProperty(new StringProperty(DialogWidget::TAG_TOOLTIP, editorText("Tooltip")));
+}
+
+// ---------------------------------------------------------------------------------------------
+
+namespace {
+
+class EmptyWidgetCreator : public DialogWidgetCreator
+{
+public:
+  EmptyWidgetCreator() : DialogWidgetCreator(EMPTY_WIDGET_ID, Category::Layout) {}
+  QString getDisplayName() const override { return translate("MSysScript_DialogElement_other", "Empty cell", ""); }
+  QString getKeyWord() const override { return EMPTY_WIDGET_ID; }
+  DialogWidget* createWidget() const override { return new EmptyWidget; }
+  ElementConfiguration* createConfiguration(QWidget* parent) const override { return new ElementConfiguration(parent); }
+};
+
+}  // namespace
+
+EmptyWidget::EmptyWidget() : DialogWidget(DialogWidgetCreator::EMPTY_WIDGET_ID) {}
+
+// A placeholder has no name to miss.
+bool EmptyWidget::checkConfiguration(QString*) const
+{
+  return true;
+}
+
+void EmptyWidget::parseXml(const QDomNode&) {}
+
+void EmptyWidget::createXml(QDomDocument*, QDomElement*) const {}
+
+QString EmptyWidget::__repr__() const
+{
+  return QStringLiteral("zut.dialog.EmptyWidget ()");
+}
+
+// ---------------------------------------------------------------------------------------------
+
+DialogRegistry::DialogRegistry() = default;
+
+DialogRegistry::~DialogRegistry()
+{
+  if (!_creator_deletion_allowed)
+    return;
+  for (auto& entry : _widget_creators)
+    delete entry.second;
+  for (DialogControlCreator* creator : _control_creators)
+    delete creator;
+}
+
+DialogRegistry* DialogRegistry::getRegistry()
+{
+  static DialogRegistry registry;
+  return &registry;
+}
+
+const DialogWidgetCreator* DialogRegistry::getEmptyWidgetCreator()
+{
+  static const EmptyWidgetCreator creator;
+  return &creator;
+}
+
+void DialogRegistry::initialize()
+{
+  DialogRegistry* registry = getRegistry();
+  if (registry->_initialized)
+    return;
+  registry->_initialized = true;
+  // One line per element type, in the order the editor lists them.
+
+  registry->addControlCreator(new SeparatorControlCreator(editorText("--- No buttons ---")));
+  registry->addControlCreator(
+      new EmptyControlCreator(DialogControlCreator::EMPTY_ID, "Dialog without control buttons"));
+  registry->addControlCreator(new SeparatorControlCreator(editorText("--- Standard buttons ---")));
+  registry->addControlCreator(new OkCancelControlCreator(QStringLiteral("OkCancel"), "OK-Cancel button dialog"));
+  registry->addControlCreator(new YesNoControlCreator(QStringLiteral("YesNo"), "Yes-No dialog"));
+  registry->addControlCreator(new CloseControlCreator(QStringLiteral("Close"), "Close button dialog"));
+  registry->addControlCreator(new SeparatorControlCreator(editorText("--- Extended buttons ---")));
+  registry->addControlCreator(new WizardControlCreator(QStringLiteral("Wizard"), "Wizard dialog"));
+}
+
+void DialogRegistry::addWidgetCreator(DialogWidgetCreator* creator)
+{
+  const QString& id = creator->getId();
+  if (_widget_creators.count(id)) {
+    delete creator;
+    progError(__func__, QStringLiteral("Creator with id '%1' already registered").arg(id));
+  }
+  _widget_priorities[id] = static_cast<int>(_widget_creators.size());
+  _widget_creators[id] = creator;
+}
+
+void DialogRegistry::addControlCreator(DialogControlCreator* creator)
+{
+  _control_creators.push_back(creator);
+  if (!creator->isSeparator())
+    _control_creator_map[creator->getId()] = creator;
+}
+
+const DialogWidgetCreator* DialogRegistry::getWidgetCreator(const QString& id) const
+{
+  const auto pos = _widget_creators.find(id);
+  return pos == _widget_creators.end() ? nullptr : pos->second;
+}
+
+const DialogControlCreator* DialogRegistry::getControlCreator(const QString& id) const
+{
+  const auto pos = _control_creator_map.find(id);
+  return pos == _control_creator_map.end() ? nullptr : pos->second;
+}
+
+std::vector<DialogWidgetCreator*> DialogRegistry::getSortedWidgetCreators(
+    DialogWidgetCreator::Category::Type_t category) const
+{
+  std::vector<DialogWidgetCreator*> creators;
+  for (const auto& entry : _widget_creators)
+    if (entry.second->getCategory() == category)
+      creators.push_back(entry.second);
+  const auto priority = [this](const DialogWidgetCreator* creator) {
+    const auto pos = _widget_priorities.find(creator->getId());
+    if (pos == _widget_priorities.end())
+      progError("getSortedWidgetCreators", QStringLiteral("Widget priority map corrupted"));
+    return pos->second;
+  };
+  std::sort(creators.begin(), creators.end(),
+            [&](const DialogWidgetCreator* a, const DialogWidgetCreator* b) { return priority(a) < priority(b); });
+  return creators;
+}
+
+std::vector<DialogControlCreator*> DialogRegistry::getSortedControlCreators() const
+{
+  return _control_creators;
+}
+
+// Separator entries cannot be chosen, so the default is the first control row that can.
+QString DialogRegistry::getDefaultControlId() const
+{
+  VEL_ASSERT(!_default_control_id.isEmpty() || !_control_creators.empty());
+  if (!_default_control_id.isEmpty())
+    return _default_control_id;
+  for (const DialogControlCreator* creator : _control_creators)
+    if (!creator->isSeparator())
+      return creator->getId();
+  return _control_creators.front()->getId();
+}
+
+}  // namespace Vel::MSysScript

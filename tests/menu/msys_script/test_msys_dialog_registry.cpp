@@ -1,0 +1,264 @@
+#include <QPushButton>
+#include <QSignalSpy>
+#include <QTest>
+
+#include <gtest/gtest.h>
+
+#include "core/prog_error.h"
+#include "dialog_test_element.h"
+#include "gtools/error_dialog.h"
+#include "gtools/vel_tool_tip_label.h"
+#include "menu/msys_script/msys_dialog_controls.h"
+
+using namespace Vel::MSysScript;
+using Category = DialogWidgetCreator::Category;
+
+namespace {
+
+QStringList ids(const std::vector<DialogWidgetCreator*>& creators)
+{
+  QStringList list;
+  for (const DialogWidgetCreator* creator : creators)
+    list << creator->getId();
+  return list;
+}
+
+TEST(DialogRegistry, ControlRowsAreListedInRegistrationOrderWithTheirSeparators)
+{
+  const DialogRegistry* registry = TestElement::registryWithTestElement();
+  QStringList names;
+  for (const DialogControlCreator* creator : registry->getSortedControlCreators())
+    names << (creator->isSeparator() ? creator->getDisplayName() : creator->getId());
+  EXPECT_EQ(names, QStringList({"--- No buttons ---", "Empty", "--- Standard buttons ---", "OkCancel", "YesNo", "Close",
+                                "--- Extended buttons ---", "Wizard"}));
+  // A separator cannot be chosen: neither by lookup nor as the default.
+  EXPECT_EQ(registry->getControlCreator(QString()), nullptr);
+  EXPECT_EQ(registry->getDefaultControlId(), QStringLiteral("Empty"));
+  EXPECT_EQ(registry->getControlCreator(QStringLiteral("YesNo"))->getDisplayName(), QStringLiteral("Yes-No dialog"));
+}
+
+TEST(DialogRegistry, WidgetCreatorsSortByRegistrationWithinTheirCategory)
+{
+  DialogRegistry registry;
+  // Registered against the id order, so that sorting by id would show.
+  registry.addWidgetCreator(new TestElement::TestWidgetCreator(QStringLiteral("z::first"), Category::Buttons));
+  registry.addWidgetCreator(new TestElement::TestWidgetCreator(QStringLiteral("m::second"), Category::Input));
+  registry.addWidgetCreator(new TestElement::TestWidgetCreator(QStringLiteral("a::third"), Category::Buttons));
+  EXPECT_EQ(ids(registry.getSortedWidgetCreators(Category::Buttons)), QStringList({"z::first", "a::third"}));
+  EXPECT_EQ(ids(registry.getSortedWidgetCreators(Category::Input)), QStringList({"m::second"}));
+  EXPECT_TRUE(registry.getSortedWidgetCreators(Category::Other).empty());
+
+  QStringList by_id;
+  for (auto pos = registry.getWidgetCreatorBegin(); pos != registry.getWidgetCreatorEnd(); ++pos)
+    by_id << pos->first;
+  EXPECT_EQ(by_id, QStringList({"a::third", "m::second", "z::first"}));
+  EXPECT_EQ(registry.getWidgetCreator(QStringLiteral("m::second"))->getCategory(), Category::Input);
+  EXPECT_EQ(registry.getWidgetCreator(QStringLiteral("none")), nullptr);
+}
+
+TEST(DialogRegistry, ASecondCreatorWithTheSameIdIsAProgrammingError)
+{
+  DialogRegistry* registry = TestElement::registryWithTestElement();
+  try {
+    registry->addWidgetCreator(new TestElement::TestWidgetCreator);
+    FAIL() << "registered twice";
+  } catch (const Vel::ProgError& error) {
+    EXPECT_EQ(error.getMessage(), QStringLiteral("Creator with id 'test::element' already registered"));
+  }
+  EXPECT_EQ(registry->getSortedWidgetCreators(Category::Input).size(), 1u);
+}
+
+TEST(DialogRegistry, DefaultControlIdNeedsAControlRowOrAnExplicitDefault)
+{
+  DialogRegistry registry;
+  EXPECT_THROW(registry.getDefaultControlId(), Vel::ProgError);
+  registry.setDefaultControlId(QStringLiteral("Close"));
+  EXPECT_EQ(registry.getDefaultControlId(), QStringLiteral("Close"));
+}
+
+TEST(DialogRegistry, CategoriesHaveTheEditorsGroupTitles)
+{
+  QStringList titles;
+  for (auto category :
+       {Category::Output, Category::Input, Category::Buttons, Category::Selection, Category::Layout, Category::Other})
+    titles << Category::getTitle(category);
+  EXPECT_EQ(titles, QStringList({"Output", "Input", "Buttons", "Selection", "Layout", "Other"}));
+}
+
+struct ControlCase
+{
+  const char* id;
+  QStringList words;
+  QStringList object_names;
+  const char* accepting;  // the object name of the button that accepts, or null
+  const char* rejecting;
+};
+
+class ControlRows : public ::testing::TestWithParam<ControlCase>
+{};
+
+TEST_P(ControlRows, HaveTheirButtonsAndSignals)
+{
+  const ControlCase& c = GetParam();
+  const DialogControlCreator* creator =
+      TestElement::registryWithTestElement()->getControlCreator(QString::fromLatin1(c.id));
+  ASSERT_NE(creator, nullptr);
+  std::unique_ptr<DialogControl> control(creator->createControl());
+  EXPECT_EQ(control->getCreatorId(), QString::fromLatin1(c.id));
+  EXPECT_EQ(control->getButtonIds(), c.words);
+  for (const QString& name : c.object_names)
+    EXPECT_NE(control->findChild<QPushButton*>(name), nullptr) << name.toStdString();
+  ASSERT_NE(control->getStatusLabel(), nullptr);
+  EXPECT_EQ(control->getStatusLabel()->objectName(), QStringLiteral("_status"));
+
+  QSignalSpy accepted(control.get(), &DialogControl::signalAccept);
+  QSignalSpy rejected(control.get(), &DialogControl::signalReject);
+  if (c.accepting)
+    QTest::mouseClick(control->findChild<QPushButton*>(QString::fromLatin1(c.accepting)), Qt::LeftButton);
+  if (c.rejecting)
+    QTest::mouseClick(control->findChild<QPushButton*>(QString::fromLatin1(c.rejecting)), Qt::LeftButton);
+  EXPECT_EQ(accepted.count(), c.accepting ? 1 : 0);
+  EXPECT_EQ(rejected.count(), c.rejecting ? 1 : 0);
+
+  for (const QString& word : c.words) {
+    control->setButtonText(word, QStringLiteral("Renamed"));
+    control->setButtonEnabled(word, false);
+  }
+  for (QPushButton* button : control->findChildren<QPushButton*>())
+    EXPECT_FALSE(button->isEnabled());
+  control->updateEnabledState(true);
+  for (QPushButton* button : control->findChildren<QPushButton*>())
+    EXPECT_TRUE(button->isEnabled());
+
+  try {
+    control->setButtonEnabled(QStringLiteral("apply"), true);
+    FAIL() << "an unknown button word was taken";
+  } catch (const Vel::ScriptTypeException& error) {
+    EXPECT_EQ(error.getMessage(), QStringLiteral("Invalid control ID \"apply\""));
+  }
+}
+
+INSTANTIATE_TEST_SUITE_P(
+    Standard, ControlRows,
+    ::testing::Values(ControlCase{"Empty", {}, {}, nullptr, nullptr},
+                      ControlCase{"OkCancel", {"ok", "cancel"}, {"_ok", "_cancel"}, "_ok", "_cancel"},
+                      ControlCase{"YesNo", {"yes", "no"}, {"_yes", "_no"}, "_yes", "_no"},
+                      // Closing accepts.
+                      ControlCase{"Close", {"close"}, {"_close"}, "_close", nullptr},
+                      ControlCase{
+                          "Wizard", {"next", "prev", "close"}, {"_prev", "_next", "_close"}, "_close", nullptr}),
+    [](const ::testing::TestParamInfo<ControlCase>& info) { return std::string(info.param.id); });
+
+TEST(DialogControls, WizardStepsAreControlEvents)
+{
+  std::unique_ptr<DialogControl> control(
+      TestElement::registryWithTestElement()->getControlCreator(QStringLiteral("Wizard"))->createControl());
+  QSignalSpy events(control.get(), &DialogControl::signalControlEvent);
+  QTest::mouseClick(control->findChild<QPushButton*>(QStringLiteral("_prev")), Qt::LeftButton);
+  QTest::mouseClick(control->findChild<QPushButton*>(QStringLiteral("_next")), Qt::LeftButton);
+  ASSERT_EQ(events.count(), 2);
+  EXPECT_EQ(events[0][0].toString(), QStringLiteral("prev"));
+  EXPECT_EQ(events[1][0].toString(), QStringLiteral("next"));
+  // The row reads Back, Next, Close; Next is what Return triggers.
+  auto* layout = control->layout();
+  EXPECT_EQ(layout->itemAt(1)->widget()->objectName(), QStringLiteral("_prev"));
+  EXPECT_EQ(layout->itemAt(2)->widget()->objectName(), QStringLiteral("_next"));
+  EXPECT_EQ(control->getDefaultButton()->objectName(), QStringLiteral("_next"));
+}
+
+TEST(DialogControls, ASeparatorEntryCannotMakeAControlRow)
+{
+  const SeparatorControlCreator separator(QStringLiteral("--- heading ---"));
+  EXPECT_THROW(separator.createControl(), Vel::ProgError);
+}
+
+TEST(DialogWidget, CommonAttributesAndTheRefusalOfOthers)
+{
+  TestElement::registryWithTestElement();
+  TestElement::TestWidget widget;
+  widget.__setattr__(QStringLiteral("name"), QStringLiteral("distance"));
+  widget.__setattr__(QStringLiteral("tooltip"), QStringLiteral("in mm"));
+  widget.__setattr__(QStringLiteral("enabled"), false);
+  widget.__setattr__(QStringLiteral("value"), QStringLiteral("12"));
+  EXPECT_EQ(widget.getName(), QStringLiteral("distance"));
+  EXPECT_EQ(widget.toolTip(), QStringLiteral("in mm"));
+  EXPECT_EQ(widget.__getattr__(QStringLiteral("enabled")), QVariant(false));
+  const QVariantMap attributes = widget.__getattr__(QStringLiteral("attributes")).toMap();
+  EXPECT_EQ(attributes.value(QStringLiteral("value")), QVariant(QStringLiteral("12")));
+  EXPECT_EQ(attributes.value(QStringLiteral("shape")), QVariant(QStringLiteral("round")));
+  EXPECT_FALSE(attributes.contains(QStringLiteral("attributes")));
+
+  try {
+    widget.__setattr__(QStringLiteral("attributes"), QVariantMap());
+    FAIL() << "a read-only attribute was written";
+  } catch (const Vel::ScriptTypeException& error) {
+    EXPECT_EQ(error.getMessage(), QStringLiteral("The object has no writeable attribute \"attributes\"."));
+  }
+}
+
+TEST(DialogWidget, HelpTextNamesTheTypeAndListsTheAttributes)
+{
+  TestElement::registryWithTestElement();
+  TestElement::TestWidget widget;
+  widget.setName(QStringLiteral("distance"));
+  const QStringList lines = widget.__doc__().split(QLatin1Char('\n'));
+  ASSERT_GE(lines.size(), 3);
+  EXPECT_EQ(lines[0], QStringLiteral("Handle for a widget called 'distance' of type 'Test element' (test::element)"));
+  EXPECT_EQ(lines[1], QStringLiteral("Attributes:"));
+  EXPECT_TRUE(lines.contains(QStringLiteral("shape str - Outline of the element")));
+
+  // An element whose type nobody registered is a programming error.
+  struct Unregistered : DialogWidget
+  {
+    Unregistered() : DialogWidget(QStringLiteral("nobody")) {}
+    QVariant getValue() const override { return {}; }
+    void parseXml(const QDomNode& node) override { DialogWidget::parseXml(node); }
+    void createXml(QDomDocument* d, QDomElement* e) const override { DialogWidget::createXml(d, e); }
+    QString __repr__() const override { return {}; }
+  } unregistered;
+  EXPECT_THROW(unregistered.__doc__(), Vel::ProgError);
+}
+
+TEST(DialogWidget, ANameIsRequiredByTheConfigurationCheck)
+{
+  TestElement::TestWidget widget;
+  QString error;
+  EXPECT_FALSE(widget.checkConfiguration(&error));
+  EXPECT_EQ(error, QStringLiteral("The name for the GUI element is missing."));
+  widget.setName(QStringLiteral("n"));
+  EXPECT_TRUE(widget.checkConfiguration(&error));
+  EXPECT_TRUE(EmptyWidget().checkConfiguration(&error));
+}
+
+TEST(ElementConfiguration, SetupAndApplyMoveAttributesThroughTheProperties)
+{
+  TestElement::registryWithTestElement();
+  TestElement::TestWidget widget;
+  widget.setName(QStringLiteral("before"));
+  std::unique_ptr<ElementConfiguration> panel(TestElement::registryWithTestElement()
+                                                  ->getWidgetCreator(QString::fromLatin1(TestElement::TYPE_ID))
+                                                  ->createConfiguration(nullptr));
+  panel->setup(&widget);
+  QStringList keys;
+  for (Property* property : panel->getProperties())
+    keys << property->getKey();
+  EXPECT_EQ(keys, QStringList({"", "name", "tooltip", "", "value", "shape"}));
+
+  QStringList reported;
+  Vel::GTools::setErrorDialogHandler([&](const QString&, const QString& text) { reported << text; });
+  for (Property* property : panel->getProperties()) {
+    if (property->getKey() == QLatin1String("name"))
+      property->setValue(QStringLiteral("after"));
+    if (property->getKey() == QLatin1String("shape"))
+      property->setValue(QStringLiteral("oval"));
+  }
+  panel->apply(&widget);
+  Vel::GTools::setErrorDialogHandler(nullptr);
+  // The refused property is reported; the others are applied all the same.
+  EXPECT_EQ(widget.getName(), QStringLiteral("after"));
+  ASSERT_EQ(panel->getApplyErrors().size(), 1);
+  EXPECT_TRUE(panel->getApplyErrors()[0].startsWith(QStringLiteral("ERROR while setting property 'shape'")));
+  EXPECT_EQ(reported.size(), 1);
+}
+
+}  // namespace
