@@ -9,6 +9,7 @@
 #include "core/prog_error.h"
 #include "core/translate.h"
 #include "gtools/dialog_widget_supplier.h"
+#include "menu/msys_script/msys_dialog_styles.h"
 
 namespace Vel::MSysScript {
 
@@ -222,7 +223,10 @@ void writeNode(QXmlStreamWriter& writer, const QDomNode& node)
 
 QStringList dialogStyleNames()
 {
-  return {QStringLiteral("Standard"), QStringLiteral("Touch screen")};
+  QStringList names;
+  for (const DialogStyle& style : DialogStyleDatabase::getStyles())
+    names << style.getId();
+  return names;
 }
 
 DialogHeader::DialogHeader()

@@ -1,7 +1,11 @@
 #include "core/unit.h"
 
+#include <QMap>
+
 #include <array>
 #include <cmath>
+
+#include "core/translate.h"
 
 namespace Vel {
 namespace {
@@ -67,6 +71,23 @@ QStringList Unit::getIDs(UnitKind kind)
     if (unit._kind == kind)
       ids << unit._id;
   return ids;
+}
+
+std::vector<const Unit*> Unit::getAvailableUnitsForApplication()
+{
+  std::vector<const Unit*> available;
+  for (const Unit& unit : units())
+    available.push_back(&unit);
+  return available;
+}
+
+QString Unit::getName() const
+{
+  static const QMap<QString, const char*> names = {
+      {"mm", "Millimetre"},  {"um", "Micrometre"}, {"cm", "Centimetre"}, {"m", "Metre"},          {"inch", "Inch"},
+      {"mil", "Mil"},        {"deg", "Degree"},    {"rad", "Radian"},    {"mrad", "Milliradian"}, {"s", "Second"},
+      {"ms", "Millisecond"}, {"min", "Minute"},    {"h", "Hour"}};
+  return QStringLiteral("%1 (%2)").arg(translate("Units", names.value(_id, ""), ""), _symbol);
 }
 
 QString Unit::kindName(UnitKind kind)

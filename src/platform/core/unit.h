@@ -3,6 +3,8 @@
 #include <QString>
 #include <QStringList>
 
+#include <vector>
+
 #include "core/vel_export.h"
 
 namespace Vel {
@@ -36,6 +38,10 @@ public:
   static const Unit& getDefault(UnitKind kind);
   static QStringList getIDs(UnitKind kind);
   static QString kindName(UnitKind kind);
+  // Every unit a user may choose in this application, kind by kind.
+  static std::vector<const Unit*> getAvailableUnitsForApplication();
+  // What a user reads, such as "Millimetre (mm)".
+  QString getName() const;
 
   Unit(const char* id, UnitKind kind, const char* symbol, double factor, int digit_difference);
 

@@ -1,0 +1,108 @@
+#include <QDoubleSpinBox>
+#include <QSignalSpy>
+
+#include <gtest/gtest.h>
+
+#include "core/unit.h"
+#include "gtools/file_dialog.h"
+#include "gtools/vel_color_button.h"
+#include "gtools/vel_combo_box.h"
+#include "gtools/vel_spin.h"
+#include "gtools/vel_tool_tip_label.h"
+
+namespace {
+
+TEST(VelSpin, ClampsToItsLimitsAndKeepsTheValueInTheInternalUnit)
+{
+  Vel_Spin spin;
+  spin.setMinValue(-10.0);
+  spin.setMaxValue(100.0);
+  spin.setDigits(3);
+  spin.setValue(250.0);
+  EXPECT_DOUBLE_EQ(spin.value(), 100.0);
+  spin.setValue(25.4);
+  EXPECT_EQ(spin.getUnit(), nullptr);
+
+  QSignalSpy changed(&spin, &Vel_BaseSpin::valueChanged);
+  spin.setUnit(*Vel::Unit::getUnit(QStringLiteral("inch")));
+  // The user sees inches; the value, its limits and what the signal says stay millimetres.
+  EXPECT_DOUBLE_EQ(spin.spinBox()->value(), 1.0);
+  EXPECT_TRUE(spin.spinBox()->suffix().endsWith(QStringLiteral("in")));
+  EXPECT_NEAR(spin.value(), 25.4, 1e-9);
+  EXPECT_DOUBLE_EQ(spin.maxValue(), 100.0);
+  EXPECT_EQ(changed.count(), 0) << "a new unit is not a new value";
+  spin.spinBox()->setValue(2.0);
+  ASSERT_EQ(changed.count(), 1);
+  EXPECT_NEAR(changed[0][0].toDouble(), 50.8, 1e-9);
+
+  spin.resetUnit();
+  EXPECT_EQ(spin.getUnit(), nullptr);
+  EXPECT_NEAR(spin.spinBox()->value(), 50.8, 1e-9);
+}
+
+TEST(VelColorButton, TransparencyOnlyWhenCheckable)
+{
+  Vel_ColorButton button;
+  QSignalSpy changed(&button, &Vel_ColorButton::changed);
+  button.setColor(Vel::Color(10, 20, 30, 0));
+  EXPECT_EQ(button.getColor(), Vel::Color(10, 20, 30, 255));
+  EXPECT_FALSE(button.checked());
+  button.setChecked(true);
+  EXPECT_FALSE(button.checked()) << "not checkable: no transparency";
+
+  button.setCheckable(true);
+  button.setChecked(true);
+  EXPECT_TRUE(button.checked());
+  EXPECT_TRUE(button.getColor().isTransparent());
+  button.setChecked(false);
+  EXPECT_EQ(button.getColor(), Vel::Color(10, 20, 30, 255)) << "unchecking brings the colour back";
+  EXPECT_EQ(changed.count(), 3);
+  button.setColor(Vel::Color(10, 20, 30, 255));
+  EXPECT_EQ(changed.count(), 3) << "the same colour is no change";
+}
+
+TEST(VelComboBox, SelectsByTheValueItCarries)
+{
+  Vel_ComboBox box;
+  box.addItem(QStringLiteral("None"), QString());
+  box.addSeparator();
+  box.addItem(QStringLiteral("Millimetre"), QStringLiteral("mm"));
+  EXPECT_TRUE(box.selectData(QStringLiteral("mm")));
+  EXPECT_EQ(box.currentIndex(), 2);
+  EXPECT_FALSE(box.selectData(QStringLiteral("km")));
+  EXPECT_EQ(box.currentIndex(), 2);
+}
+
+TEST(VelToolTipLabel, ElidesLongTextsAndShowsThemWhole)
+{
+  Vel_ToolTipLabel label;
+  label.resize(60, 20);
+  label.show();
+  const QString text = QStringLiteral("A status text that is far too long for sixty pixels");
+  label.setFullText(text);
+  EXPECT_NE(label.text(), text);
+  EXPECT_EQ(label.toolTip(), text);
+  label.resize(2000, 20);
+  EXPECT_EQ(label.text(), text);
+  EXPECT_EQ(label.toolTip(), QString());
+}
+
+TEST(FileDialog, NamedTypesGiveFiltersAndAHandlerAnswers)
+{
+  using Vel::GTools::FileDialog;
+  EXPECT_EQ(FileDialog::getFilter(QStringLiteral("MSysScript::PNGFiles")), QStringLiteral("PNG images (*.png)"));
+  EXPECT_EQ(FileDialog::getFilter(QStringLiteral("unknown")), QString());
+  FileDialog::registerFileType(QStringLiteral("Test::Plans"), QStringLiteral("Plans"), {"*.plan", "*.pln"});
+  EXPECT_EQ(FileDialog::getFilter(QStringLiteral("Test::Plans")), QStringLiteral("Plans (*.plan *.pln)"));
+
+  FileDialog::setHandler([](FileDialog::Mode mode, const QString& title, const QStringList& types) {
+    return QStringList{QStringLiteral("%1|%2|%3").arg(mode).arg(title, types.join(','))};
+  });
+  EXPECT_EQ(FileDialog::getFileNames(nullptr, FileDialog::Save, QStringLiteral("T"), {"A", "B"}),
+            QStringList{QStringLiteral("2|T|A,B")});
+  FileDialog::setHandler(nullptr);
+  // No person to ask on the offscreen platform.
+  EXPECT_TRUE(FileDialog::getFileNames(nullptr, FileDialog::Open, QStringLiteral("T"), {}).isEmpty());
+}
+
+}  // namespace
