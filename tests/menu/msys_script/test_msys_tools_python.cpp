@@ -95,6 +95,7 @@ TEST(PythonObjectText, IsTheObjectsStrAsUnicode)
 
 TEST(PythonObjectText, ABrokenStrGivesEmptyTextAndLeavesNoError)
 {
+  Vel::GScript::PythonInterpreter::initialize();
   py::exec("class Broken:\n    def __str__(self):\n        raise ValueError('no')\n", py::globals());
   EXPECT_EQ(pythonObjectText(evaluate("Broken()").ptr()), QString());
   EXPECT_FALSE(PyErr_Occurred());
