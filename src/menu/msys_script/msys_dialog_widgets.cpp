@@ -3,6 +3,8 @@
 #include <QHBoxLayout>
 #include <QPainter>
 #include <QPushButton>
+#include <QTreeView>
+#include <QVBoxLayout>
 #include <QVariantMap>
 
 #include <algorithm>
@@ -236,7 +238,18 @@ DialogControlCreator::~DialogControlCreator() = default;
 
 // ---------------------------------------------------------------------------------------------
 
-ElementConfiguration::ElementConfiguration(QWidget* parent) : QWidget(parent) {}
+ElementConfiguration::ElementConfiguration(QWidget* parent)
+    : QWidget(parent), _model(new PropertyEditorModel(this)), _view(new QTreeView(this))
+{
+  auto* layout = new QVBoxLayout(this);
+  layout->setContentsMargins(0, 0, 0, 0);
+  _view->setObjectName(QStringLiteral("_properties"));
+  _view->setModel(_model);
+  _view->setItemDelegate(new PropertyEditorDelegate(_view));
+  _view->setRootIsDecorated(false);
+  _view->setEditTriggers(QAbstractItemView::AllEditTriggers);
+  layout->addWidget(_view);
+}
 
 void ElementConfiguration::setup(const DialogWidget* widget)
 {
@@ -277,6 +290,11 @@ void ElementConfiguration::addProperty(Property* property)
   property->setParent(this);
   _properties.push_back(property);
   connect(property, &Property::signalModified, this, &ElementConfiguration::slotModified);
+  // The list is shown once it can be: it must begin with a separator.
+  if (!qobject_cast<SeparatorProperty*>(_properties.front()))
+    return;
+  _model->setProperties(_properties);
+  _view->expandAll();
 }
 
 void ElementConfiguration::addCommonProperties()

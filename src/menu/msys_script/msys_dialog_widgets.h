@@ -18,10 +18,12 @@
 
 class Vel_ToolTipLabel;
 class QPushButton;
+class QTreeView;
 
 namespace Vel::MSysScript {
 
 class Property;
+class PropertyEditorModel;
 
 // One element of a user-defined dialog's grid. Each element type reads and writes its own part
 // of the definition and answers the script's attribute requests.
@@ -226,6 +228,8 @@ protected:
 private:
   std::vector<Property*> _properties;
   QStringList _apply_errors;
+  PropertyEditorModel* _model;
+  QTreeView* _view;
 };
 
 // The process-wide table of element and control-row types, looked up by type id.

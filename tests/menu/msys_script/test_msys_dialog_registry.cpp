@@ -1,6 +1,7 @@
 #include <QPushButton>
 #include <QSignalSpy>
 #include <QTest>
+#include <QTreeView>
 
 #include <gtest/gtest.h>
 
@@ -243,6 +244,11 @@ TEST(ElementConfiguration, SetupAndApplyMoveAttributesThroughTheProperties)
   for (Property* property : panel->getProperties())
     keys << property->getKey();
   EXPECT_EQ(keys, QStringList({"", "name", "tooltip", "", "value", "shape"}));
+  // The panel shows them in two blocks.
+  const auto* view = panel->findChild<QTreeView*>(QStringLiteral("_properties"));
+  ASSERT_NE(view, nullptr);
+  EXPECT_EQ(view->model()->rowCount(), 2);
+  EXPECT_EQ(view->model()->index(0, 0).data().toString(), QStringLiteral("General"));
 
   QStringList reported;
   Vel::GTools::setErrorDialogHandler([&](const QString&, const QString& text) { reported << text; });
