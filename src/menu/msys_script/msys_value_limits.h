@@ -41,34 +41,37 @@ private:
   int _digits;
 };
 
-// A text list: when limited, only its entries are allowed.
-class ListValueLimits : public ValueLimits
+// Limits given as a list of texts: when limited, only values the list names are allowed.
+class TextListValueLimits : public ValueLimits
 {
 public:
-  ListValueLimits(bool limited, const QStringList& descriptions) : _limited(limited), _descriptions(descriptions) {}
-  ValueLimits* clone() const override { return new ListValueLimits(*this); }
-
   bool isLimited() const { return _limited; }
-  const QStringList& getDescriptions() const { return _descriptions; }
+
+protected:
+  TextListValueLimits(bool limited, const QStringList& texts) : _limited(limited), _texts(texts) {}
+  const QStringList& texts() const { return _texts; }
 
 private:
   bool _limited;
-  QStringList _descriptions;
+  QStringList _texts;
 };
 
-// File name extensions ("stl", "txt"): when limited, only files with one of them are allowed.
-class FileTypeValueLimits : public ValueLimits
+// The entries of a list element.
+class ListValueLimits : public TextListValueLimits
 {
 public:
-  FileTypeValueLimits(bool limited, const QStringList& extensions) : _limited(limited), _extensions(extensions) {}
+  ListValueLimits(bool limited, const QStringList& descriptions) : TextListValueLimits(limited, descriptions) {}
+  ValueLimits* clone() const override { return new ListValueLimits(*this); }
+  const QStringList& getDescriptions() const { return texts(); }
+};
+
+// File name extensions ("stl", "txt") of a file element.
+class FileTypeValueLimits : public TextListValueLimits
+{
+public:
+  FileTypeValueLimits(bool limited, const QStringList& extensions) : TextListValueLimits(limited, extensions) {}
   ValueLimits* clone() const override { return new FileTypeValueLimits(*this); }
-
-  bool isLimited() const { return _limited; }
-  const QStringList& getExtensions() const { return _extensions; }
-
-private:
-  bool _limited;
-  QStringList _extensions;
+  const QStringList& getExtensions() const { return texts(); }
 };
 
 }  // namespace Vel::MSysScript
