@@ -54,6 +54,8 @@ TEST(DialogRegistry, WidgetCreatorsSortByRegistrationWithinTheirCategory)
     by_id << pos->first;
   EXPECT_EQ(by_id, QStringList({"a::third", "m::second", "z::first"}));
   EXPECT_EQ(registry.getWidgetCreator(QStringLiteral("m::second"))->getCategory(), Category::Input);
+  // The editor drags a picture of a fresh element.
+  EXPECT_FALSE(registry.getWidgetCreator(QStringLiteral("m::second"))->createDragPixmap().isNull());
   EXPECT_EQ(registry.getWidgetCreator(QStringLiteral("none")), nullptr);
 }
 
