@@ -62,7 +62,7 @@ void Property::setActiveEditor(QWidget* editor)
 {
   _active_editor = editor;
   if (editor)
-    connect(editor, &QObject::destroyed, this, &Property::slotEditorDestroyed);
+    connect(editor, &QObject::destroyed, this, &Property::slotEditorDestroyed, Qt::UniqueConnection);
 }
 
 void Property::updateEditor(QWidget* editor)
@@ -535,7 +535,13 @@ QVariant PropertyEditorModel::data(const QModelIndex& index, int role) const
   if (role == Qt::DisplayRole || role == Qt::ToolTipRole) {
     if (index.column() == 0)
       return property->getName();
-    return valueText(property->getEnabled() ? property->getValue() : property->getDisabledValue());
+    const QVariant& value = property->getEnabled() ? property->getValue() : property->getDisabledValue();
+    // A choice reads as the label the user picked, not as the value stored for it.
+    if (const auto* selector = qobject_cast<const SelectorProperty*>(property))
+      for (const auto& [label, item] : selector->getItems())
+        if (item == value)
+          return label;
+    return valueText(value);
   }
   if (role == Qt::ForegroundRole && !property->getEnabled())
     return QBrush(Qt::gray);
@@ -567,7 +573,9 @@ Qt::ItemFlags PropertyEditorModel::flags(const QModelIndex& index) const
 QString PropertyEditorModel::valueText(const QVariant& value)
 {
   switch (value.metaType().id()) {
-    case QMetaType::Bool: return value.toBool() ? QStringLiteral("true") : QStringLiteral("false");
+    case QMetaType::Bool: return translate("MSysScript_DialogEditor_other", value.toBool() ? "Yes" : "No", "");
+    // As many digits as anyone types, without the tail of binary fractions (0.1 + 0.2).
+    case QMetaType::Double: return QString::number(value.toDouble(), 'g', 12);
     case QMetaType::QDate: return value.toDate().toString(Qt::ISODate);
     case QMetaType::QImage: {
       const QImage image = value.value<QImage>();
@@ -579,8 +587,11 @@ QString PropertyEditorModel::valueText(const QVariant& value)
     }
     default: break;
   }
-  if (value.metaType() == QMetaType::fromType<Color>())
-    return value.value<Color>().toString();
+  if (value.metaType() == QMetaType::fromType<Color>()) {
+    // An opaque colour reads as the colour button shows it, without the alpha channel.
+    const Color color = value.value<Color>();
+    return color.alpha() == 255 ? color.toString().left(7) : color.toString();
+  }
   return value.toString();
 }
 
@@ -619,8 +630,14 @@ QWidget* PropertyEditorDelegate::createEditor(QWidget* parent, const QStyleOptio
 void PropertyEditorDelegate::setEditorData(QWidget* editor, const QModelIndex& index) const
 {
   const auto* model = qobject_cast<const PropertyEditorModel*>(index.model());
-  if (model && !model->isBlock(index))
-    model->getProperty(index)->updateEditor(editor);
+  if (!model || model->isBlock(index))
+    return;
+  Property* property = model->getProperty(index);
+  // The view hands every committed change back to the editor it came from. Showing it again
+  // would put the cursor of a line edit at the end and reformat a number while it is typed.
+  if (property->getEnabled() && property->commitEditorValue(editor) == property->getValue())
+    return;
+  property->updateEditor(editor);
 }
 
 void PropertyEditorDelegate::setModelData(QWidget* editor, QAbstractItemModel* model, const QModelIndex& index) const

@@ -187,6 +187,7 @@ class SelectorProperty : public Property
 public:
   using Items = std::vector<std::pair<QString, QVariant>>;
   SelectorProperty(const QString& key, const QString& name, const Items& items);
+  const Items& getItems() const { return _items; }
 
   Property* clone() const override;
   QWidget* createEditor(QWidget* parent) override;

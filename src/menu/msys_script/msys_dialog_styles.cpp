@@ -10,6 +10,11 @@ namespace Vel::MSysScript {
 
 namespace {
 
+// The platform's own look: the dialog's body takes the window colour and nothing else changes.
+const char* const STANDARD_SHEET = R"(
+QDialog, Vel--MSysScript--DialogStyleWidget { background-color: palette(window); }
+)";
+
 // A touch screen needs targets a finger can hit and text readable at arm's length.
 const char* const TOUCH_SHEET = R"(
 QDialog, Vel--MSysScript--DialogStyleWidget { background-color: #f4f4f4; }
@@ -28,7 +33,8 @@ QSlider::handle { width: 36px; height: 36px; }
 DialogStyleDatabase::DialogStyleDatabase()
 {
   const char* context = "VelMSysScript_DialogStyle_other";
-  addStyle(translate(context, "Standard", "id=37809#gui style"), QStringLiteral("Standard"), QString(), 0);
+  addStyle(translate(context, "Standard", "id=37809#gui style"), QStringLiteral("Standard"),
+           QString::fromLatin1(STANDARD_SHEET), 0);
   addStyle(translate(context, "Touch screen", "id=38917#gui style"), QStringLiteral("Touch screen"),
            QString::fromLatin1(TOUCH_SHEET), 44);
 }
@@ -61,6 +67,10 @@ const DialogStyle* DialogStyleDatabase::findStyle(const QString& id)
 {
   for (const DialogStyle& style : getStyles())
     if (style.getId() == id)
+      return &style;
+  // A name a user typed from what the editor shows, in the user's language.
+  for (const DialogStyle& style : getStyles())
+    if (style.getName().compare(id, Qt::CaseInsensitive) == 0)
       return &style;
   return nullptr;
 }

@@ -36,7 +36,8 @@ class DialogStyleDatabase
 {
 public:
   static const std::vector<DialogStyle>& getStyles();
-  // By the untranslated name that definitions store; null for an unknown one.
+  // By the untranslated name that definitions store, else by the name users read; null for an
+  // unknown one.
   static const DialogStyle* findStyle(const QString& id);
 
 private:

@@ -1,12 +1,17 @@
+#include <QApplication>
 #include <QCheckBox>
 #include <QDateEdit>
 #include <QDir>
+#include <QDoubleSpinBox>
 #include <QHeaderView>
 #include <QLabel>
 #include <QLineEdit>
+#include <QPushButton>
 #include <QSignalSpy>
 #include <QTemporaryDir>
 #include <QTest>
+#include <QTextEdit>
+#include <QTimer>
 #include <QToolButton>
 #include <QTreeView>
 
@@ -343,6 +348,279 @@ TEST(DialogStyles, StandardThenTouchScreen)
   window.resize(20, 20);
   window.show();
   EXPECT_EQ(body->grab().toImage().pixelColor(10, 10), QColor(Qt::red));
+}
+
+// ---------------------------------------------------------------------------------------------
+
+// What the user does in the rich-text editor window, once it is open.
+struct TextEditCase
+{
+  const char* what;
+  std::function<void(QTextEdit*)> edit;
+  bool accept;
+  std::function<void(const QVariant&)> check;
+};
+
+class TextPanel : public ::testing::TestWithParam<TextEditCase>
+{};
+
+TEST_P(TextPanel, TheEditButtonEditsTheTextInItsOwnWindow)
+{
+  const TextEditCase& c = GetParam();
+  TextProperty property(QStringLiteral("text"), QStringLiteral("Text"));
+  QWidget parent;
+  QWidget* editor = property.createEditor(&parent);
+  ASSERT_EQ(editor->objectName(), QStringLiteral("VelMSysScript_TextProperty_widget"));
+  property.setActiveEditor(editor);
+  property.setValue(QStringLiteral("Bore check"));
+  EXPECT_EQ(editor->findChild<QLabel*>(QStringLiteral("_preview"))->text(), QStringLiteral("Bore check"));
+
+  QSignalSpy modified(&property, &Property::signalModified);
+  bool opened = false;
+  QTimer::singleShot(0, [&] {
+    auto* dialog = qobject_cast<RichTextEditorDialog*>(QApplication::activeModalWidget());
+    if (!dialog)
+      return;
+    opened = true;
+    auto* text = dialog->findChild<QTextEdit*>();
+    EXPECT_EQ(text->toPlainText(), QStringLiteral("Bore check"));
+    c.edit(text);
+    c.accept ? dialog->accept() : dialog->reject();
+  });
+  QTest::mouseClick(editor->findChild<QToolButton*>(QStringLiteral("_edit")), Qt::LeftButton);
+  ASSERT_TRUE(opened);
+  c.check(property.getValue());
+  EXPECT_EQ(modified.count(), property.getValue() == QVariant(QStringLiteral("Bore check")) ? 0 : 1);
+}
+
+INSTANTIATE_TEST_SUITE_P(
+    Edits, TextPanel,
+    ::testing::Values(TextEditCase{"PlainTextStaysPlain",
+                                   [](QTextEdit* e) { e->setPlainText(QStringLiteral("Bore depth")); }, true,
+                                   [](const QVariant& v) { EXPECT_EQ(v, QVariant(QStringLiteral("Bore depth"))); }},
+                      TextEditCase{"FormattingMakesRichText",
+                                   [](QTextEdit* e) {
+                                     e->selectAll();
+                                     e->setFontWeight(QFont::Bold);
+                                   },
+                                   true,
+                                   [](const QVariant& v) {
+                                     EXPECT_TRUE(Qt::mightBeRichText(v.toString()));
+                                     EXPECT_EQ(PropertyEditorModel::valueText(v), QStringLiteral("Bore check"));
+                                   }},
+                      TextEditCase{"CancelKeepsTheText", [](QTextEdit* e) { e->setPlainText(QStringLiteral("lost")); },
+                                   false,
+                                   [](const QVariant& v) { EXPECT_EQ(v, QVariant(QStringLiteral("Bore check"))); }},
+                      TextEditCase{"AnUnchangedTextIsNoChange", [](QTextEdit*) {}, true,
+                                   [](const QVariant& v) { EXPECT_EQ(v, QVariant(QStringLiteral("Bore check"))); }}),
+    [](const ::testing::TestParamInfo<TextEditCase>& info) { return std::string(info.param.what); });
+
+TEST(Property, FilePanelOffersTheChosenFileAndClears)
+{
+  FileProperty property(QStringLiteral("file"), QStringLiteral("File"));
+  property.setFileType(FileProperty::File::Xml);
+  QWidget parent;
+  QWidget* editor = property.createEditor(&parent);
+  ASSERT_EQ(editor->objectName(), QStringLiteral("VelMSysScript_FileProperty_widget"));
+  property.setActiveEditor(editor);
+
+  QString title;
+  QStringList types;
+  Vel::GTools::FileDialog::setHandler([&](auto, const QString& t, const QStringList& offered) {
+    title = t;
+    types = offered;
+    return QStringList{QStringLiteral("/data/plan.xml")};
+  });
+  QTest::mouseClick(editor->findChild<QToolButton*>(QStringLiteral("_browse")), Qt::LeftButton);
+  Vel::GTools::FileDialog::setHandler(nullptr);
+  EXPECT_EQ(title, QStringLiteral("Select File"));
+  EXPECT_TRUE(types.contains(QStringLiteral("MSysScript::XmlFiles")));
+  EXPECT_EQ(property.getValue(), QVariant(QStringLiteral("/data/plan.xml")));
+  EXPECT_EQ(editor->findChild<QLineEdit*>(QStringLiteral("_file"))->text(), QStringLiteral("/data/plan.xml"));
+}
+
+// Column 1 as the user reads it.
+struct ValueTextCase
+{
+  const char* what;
+  std::function<Property*()> make;
+  QString text;
+};
+
+class ValueColumn : public ::testing::TestWithParam<ValueTextCase>
+{};
+
+TEST_P(ValueColumn, ShowsTheValueReadably)
+{
+  const ValueTextCase& c = GetParam();
+  QObject owner;
+  Property* property = c.make();
+  property->setParent(&owner);
+  auto* heading = new SeparatorProperty(QStringLiteral("Block"));
+  heading->setParent(&owner);
+  PropertyEditorModel model;
+  model.setProperties({heading, property});
+  EXPECT_EQ(model.data(model.index(0, 1, model.index(0, 0))).toString(), c.text);
+}
+
+template <class P>
+std::function<Property*()> withValue(QVariant value)
+{
+  return [value] {
+    auto* property = new P(QStringLiteral("key"), QStringLiteral("Name"));
+    property->setValue(value);
+    return property;
+  };
+}
+
+INSTANTIATE_TEST_SUITE_P(
+    Types, ValueColumn,
+    ::testing::Values(
+        ValueTextCase{"Bool", withValue<BoolProperty>(true), QStringLiteral("Yes")},
+        ValueTextCase{"DoubleWithoutBinaryNoise", withValue<DoubleProperty>(0.1 + 0.2), QStringLiteral("0.3")},
+        ValueTextCase{"Integer", withValue<IntegerProperty>(-7), QStringLiteral("-7")},
+        ValueTextCase{"Date", withValue<DateProperty>(QDate(2026, 11, 23)), QStringLiteral("2026-11-23")},
+        ValueTextCase{"Color", withValue<ColorProperty>(QVariant::fromValue(Vel::Color(0, 120, 215))),
+                      QStringLiteral("#0078d7")},
+        ValueTextCase{"TranslucentColor", withValue<ColorProperty>(QVariant::fromValue(Vel::Color(0, 120, 215, 128))),
+                      QStringLiteral("#0078d780")},
+        ValueTextCase{"RichText", withValue<TextProperty>(QStringLiteral("<b>Bore</b> check")),
+                      QStringLiteral("Bore check")},
+        ValueTextCase{"Image", withValue<IconProperty>(QImage(8, 4, QImage::Format_ARGB32)), QStringLiteral("8 x 4")},
+        ValueTextCase{"NoImage", withValue<IconProperty>(QImage()), QString()},
+        ValueTextCase{"SelectorShowsTheLabel",
+                      [] {
+                        auto* p = new SelectorProperty(
+                            QStringLiteral("mode"), QStringLiteral("Mode"),
+                            {{QStringLiteral("Open"), QStringLiteral("o")}, {QStringLiteral("Save"), QStringLiteral("s")}});
+                        p->setValue(QStringLiteral("s"));
+                        return p;
+                      },
+                      QStringLiteral("Save")},
+        ValueTextCase{"DisabledShowsTheDisabledValue",
+                      [] {
+                        auto* p = new StringProperty(QStringLiteral("name"), QStringLiteral("Name"));
+                        p->setValue(QStringLiteral("diameter"));
+                        p->setDisabledValue(QStringLiteral("(automatic)"));
+                        p->setEnabled(false);
+                        return p;
+                      },
+                      QStringLiteral("(automatic)")}),
+    [](const ::testing::TestParamInfo<ValueTextCase>& info) { return std::string(info.param.what); });
+
+TEST(PropertyEditorDelegate, EditorsOnlyForTheValuesOfProperties)
+{
+  QObject owner;
+  PropertyEditorModel model;
+  model.setProperties(sampleProperties(&owner));
+  PropertyEditorDelegate delegate;
+  QWidget parent;
+  const QModelIndex general = model.index(0, 0);
+  const struct
+  {
+    QModelIndex index;
+    bool editor;
+  } cases[] = {{general, false},
+               {model.index(0, 1), false},
+               {model.index(0, 0, general), false},
+               {model.index(0, 1, general), true}};
+  for (const auto& c : cases) {
+    std::unique_ptr<QWidget> editor(delegate.createEditor(&parent, QStyleOptionViewItem(), c.index));
+    EXPECT_EQ(editor != nullptr, c.editor)
+        << c.index.row() << "," << c.index.column() << " under " << c.index.parent().row();
+  }
+}
+
+// A user types into an editor that is open in the tree. Every keystroke is committed, and the
+// view hands it back to the editor; that must not disturb what is being typed.
+struct TypingCase
+{
+  const char* what;
+  std::function<Property*()> make;
+  QVariant start;
+  std::function<QWidget*(QWidget*)> target;
+  int cursor;  // -1: select everything first
+  const char* keys;
+  QVariant result;
+};
+
+class TypingInTheTree : public ::testing::TestWithParam<TypingCase>
+{};
+
+TEST_P(TypingInTheTree, KeepsTheCursorAndWhatIsTyped)
+{
+  const TypingCase& c = GetParam();
+  QObject owner;
+  auto* heading = new SeparatorProperty(QStringLiteral("Block"));
+  Property* property = c.make();
+  heading->setParent(&owner);
+  property->setParent(&owner);
+  property->setValue(c.start);
+  PropertyEditorModel model;
+  model.setProperties({heading, property});
+  PropertyEditorDelegate delegate;
+  QTreeView view;
+  view.setModel(&model);
+  view.setItemDelegate(&delegate);
+  view.expandAll();
+  const QModelIndex value = model.index(0, 1, model.index(0, 0));
+  view.openPersistentEditor(value);
+  view.show();
+  QCoreApplication::processEvents();
+
+  QWidget* target = c.target(property->getActiveEditor());
+  ASSERT_NE(target, nullptr);
+  auto* line = qobject_cast<QLineEdit*>(target);
+  if (line && c.cursor >= 0)
+    line->setCursorPosition(c.cursor);
+  else if (line)
+    line->selectAll();
+  else
+    qobject_cast<QAbstractSpinBox*>(target)->selectAll();
+  QTest::keyClicks(target, QString::fromLatin1(c.keys));
+  EXPECT_EQ(property->getValue(), c.result);
+  EXPECT_EQ(model.data(value).toString(), c.result.toString());
+}
+
+INSTANTIATE_TEST_SUITE_P(
+    Editors, TypingInTheTree,
+    ::testing::Values(TypingCase{"IntoTheMiddleOfAText",
+                                 [] { return new StringProperty(QStringLiteral("name"), QStringLiteral("Name")); },
+                                 QStringLiteral("diameter"), [](QWidget* e) { return e; }, 1, "XY",
+                                 QStringLiteral("dXYiameter")},
+                      TypingCase{"ADecimalNumber",
+                                 [] {
+                                   auto* p = new DoubleProperty(QStringLiteral("value"), QStringLiteral("Value"));
+                                   p->setPrecision(2);
+                                   return p;
+                                 },
+                                 12.5, [](QWidget* e) -> QWidget* { return qobject_cast<Vel_Spin*>(e)->spinBox(); }, -1,
+                                 "34.75", 34.75},
+                      TypingCase{"AnInteger",
+                                 [] {
+                                   auto* p = new IntegerProperty(QStringLiteral("count"), QStringLiteral("Count"));
+                                   p->setMaximumValue(1000);
+                                   return p;
+                                 },
+                                 3, [](QWidget* e) -> QWidget* { return qobject_cast<Vel_Spin*>(e)->spinBox(); }, -1,
+                                 "120", 120}),
+    [](const ::testing::TestParamInfo<TypingCase>& info) { return std::string(info.param.what); });
+
+TEST(DialogStyles, TouchScreenControlsAreLargerAndNamesFindStyles)
+{
+  const auto& styles = DialogStyleDatabase::getStyles();
+  EXPECT_EQ(DialogStyleDatabase::findStyle(QStringLiteral("touch screen")), &styles[1]) << "by the name users read";
+  int heights[2] = {};
+  for (int i = 0; i < 2; ++i) {
+    QWidget window;
+    window.setStyleSheet(styles[static_cast<size_t>(i)].getStyleSheet());
+    auto* button = new QPushButton(QStringLiteral("OK"), &window);
+    window.ensurePolished();
+    button->ensurePolished();
+    heights[i] = button->sizeHint().height();
+  }
+  EXPECT_GT(heights[1], heights[0]);
+  EXPECT_GE(heights[1], styles[1].getControlHeight());
 }
 
 }  // namespace

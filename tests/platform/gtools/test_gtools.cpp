@@ -1,7 +1,12 @@
+#include <QApplication>
+#include <QColorDialog>
 #include <QDoubleSpinBox>
 #include <QSignalSpy>
+#include <QTimer>
+#include <QToolButton>
 
 #include <gtest/gtest.h>
+#include <set>
 
 #include "core/unit.h"
 #include "gtools/file_dialog.h"
@@ -103,6 +108,51 @@ TEST(FileDialog, NamedTypesGiveFiltersAndAHandlerAnswers)
   FileDialog::setHandler(nullptr);
   // No person to ask on the offscreen platform.
   EXPECT_TRUE(FileDialog::getFileNames(nullptr, FileDialog::Open, QStringLiteral("T"), {}).isEmpty());
+}
+
+// Clicking the button asks for a colour; only a checkable button may take a transparent one.
+class ColorButtonClick : public ::testing::TestWithParam<bool>
+{};
+
+TEST_P(ColorButtonClick, OpensTheColourDialog)
+{
+  const bool checkable = GetParam();
+  Vel_ColorButton button;
+  button.setCheckable(checkable);
+  button.setColor(Vel::Color(10, 20, 30));
+  QSignalSpy changed(&button, &Vel_ColorButton::changed);
+  bool asked = false;
+  QTimer::singleShot(0, [&] {
+    auto* dialog = qobject_cast<QColorDialog*>(QApplication::activeModalWidget());
+    if (!dialog)
+      return;
+    asked = true;
+    EXPECT_EQ(dialog->currentColor(), QColor(10, 20, 30));
+    EXPECT_EQ(dialog->testOption(QColorDialog::ShowAlphaChannel), checkable);
+    dialog->setCurrentColor(QColor(200, 100, 0, 128));
+    dialog->accept();
+  });
+  button.button()->click();
+  ASSERT_TRUE(asked);
+  ASSERT_EQ(changed.count(), 1);
+  EXPECT_EQ(button.getColor(), Vel::Color(200, 100, 0, checkable ? 128 : 255));
+}
+
+INSTANTIATE_TEST_SUITE_P(Checkable, ColorButtonClick, ::testing::Bool());
+
+TEST(Unit, EveryAvailableUnitHasItsOwnReadableName)
+{
+  const auto units = Vel::Unit::getAvailableUnitsForApplication();
+  ASSERT_FALSE(units.empty());
+  std::set<QString> names;
+  for (const Vel::Unit* unit : units) {
+    ASSERT_NE(unit, nullptr);
+    EXPECT_EQ(Vel::Unit::getUnit(Vel::Unit::getID(*unit)), unit);
+    EXPECT_TRUE(unit->getName().endsWith(QStringLiteral("(%1)").arg(unit->getSymbol())));
+    EXPECT_TRUE(names.insert(unit->getName()).second) << "twice: " << unit->getName().toStdString();
+  }
+  EXPECT_EQ(Vel::Unit::getUnit(QStringLiteral("mm"))->getName(), QStringLiteral("Millimetre (mm)"));
+  EXPECT_EQ(Vel::Unit::getUnit(QStringLiteral("um"))->getName(), QStringLiteral("Micrometre (\u00b5m)"));
 }
 
 }  // namespace
