@@ -141,12 +141,13 @@ void readGrid(const QDomElement& root, DialogDefinition& definition, DialogWidge
     // A span must stay inside the grid as its first cell must.
     if (row < 0 || row >= rows)
       throw Xml::ParseException(element, dialogErr("Invalid row %1").arg(row));
+    // The last cell in 64 bits: a span near the int limits must not overflow.
     if (row_span < 1 || row_span > rows - row)
-      throw Xml::ParseException(element, dialogErr("Invalid row %1").arg(row + row_span - 1));
+      throw Xml::ParseException(element, dialogErr("Invalid row %1").arg(qint64(row) + row_span - 1));
     if (column < 0 || column >= columns)
       throw Xml::ParseException(element, dialogErr("Invalid column %1").arg(column));
     if (column_span < 1 || column_span > columns - column)
-      throw Xml::ParseException(element, dialogErr("Invalid column %1").arg(column + column_span - 1));
+      throw Xml::ParseException(element, dialogErr("Invalid column %1").arg(qint64(column) + column_span - 1));
     for (int r = row; r < row + row_span; ++r)
       for (int c = column; c < column + column_span; ++c) {
         if (coverage.isCovered(r, c))
@@ -178,7 +179,7 @@ void checkNames(const DialogDefinition& definition)
   for (const DialogDefinition::Cell& cell : definition.getCells()) {
     const QString name = cell.widget->getName();
     // Placeholders have no name to collide.
-    if (name.isEmpty() || cell.widget->getCreatorId() == DialogWidgetCreator::EMPTY_WIDGET_ID)
+    if (cell.widget->getCreatorId() == DialogWidgetCreator::EMPTY_WIDGET_ID)
       continue;
     if (names.contains(name))
       throw Xml::ParseException(err("The name \"%1\" of the GUI element exists twice.").arg(name),

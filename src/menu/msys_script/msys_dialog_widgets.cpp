@@ -369,8 +369,9 @@ void DialogRegistry::initialize()
   if (registry->_initialized)
     return;
   registry->_initialized = true;
-  // One line per element type, in the order the editor lists them.
+  // Element types: one line each, in the order the editor lists them (none built yet).
 
+  // Control rows, with the headings that structure the editor's list of them.
   registry->addControlCreator(new SeparatorControlCreator(editorText("--- No buttons ---")));
   registry->addControlCreator(
       new EmptyControlCreator(DialogControlCreator::EMPTY_ID, "Dialog without control buttons"));
@@ -438,7 +439,9 @@ std::vector<DialogControlCreator*> DialogRegistry::getSortedControlCreators() co
 // Separator entries cannot be chosen, so the default is the first control row that can.
 QString DialogRegistry::getDefaultControlId() const
 {
-  VEL_ASSERT(!_default_control_id.isEmpty() || !_control_creators.empty());
+  // The expression as it is reported, spaces included.
+  if (_default_control_id.isEmpty() && _control_creators.empty())
+    vel_assert("!_default_control_id.isEmpty () || !_control_creators.empty ()", __func__, __FILE__, __LINE__);
   if (!_default_control_id.isEmpty())
     return _default_control_id;
   for (const DialogControlCreator* creator : _control_creators)

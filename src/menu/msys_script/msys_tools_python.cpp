@@ -22,6 +22,13 @@ struct Reference
   PyObject* object;
 };
 
+// A reference of our own to a borrowed object, for as long as the script's code may run.
+PyObject* strong(PyObject* borrowed)
+{
+  Py_XINCREF(borrowed);
+  return borrowed;
+}
+
 // An int that fits; false (the overflow cleared) for one that does not.
 bool intValue(PyObject* object, int& value)
 {
@@ -94,8 +101,10 @@ bool textList(PyObject* value, QStringList& texts)
 {
   if (!PyList_Check(value))
     return false;
-  for (Py_ssize_t i = 0; i < PyList_Size(value); ++i)
-    texts << pythonObjectText(PyList_GetItem(value, i));
+  for (Py_ssize_t i = 0; i < PyList_Size(value); ++i) {
+    const Reference item(strong(PyList_GetItem(value, i)));
+    texts << pythonObjectText(item.object);
+  }
   return true;
 }
 
@@ -110,10 +119,11 @@ ValueLimits* fromListDictionary(PyObject* object)
   }
   QStringList descriptions;
   QStringList extensions;
-  PyObject* descriptions_value = PyDict_GetItemString(object, "descriptions");
-  PyObject* extensions_value = PyDict_GetItemString(object, "extensions");
-  const bool has_descriptions = descriptions_value && textList(descriptions_value, descriptions);
-  const bool has_extensions = extensions_value && textList(extensions_value, extensions);
+  // Held, not borrowed: an item's str() is the script's code and may change the dictionary.
+  const Reference descriptions_value(strong(PyDict_GetItemString(object, "descriptions")));
+  const Reference extensions_value(strong(PyDict_GetItemString(object, "extensions")));
+  const bool has_descriptions = descriptions_value.object && textList(descriptions_value.object, descriptions);
+  const bool has_extensions = extensions_value.object && textList(extensions_value.object, extensions);
   taken += (has_descriptions ? 1 : 0) + (has_extensions ? 1 : 0);
   if (taken != PyDict_Size(object) || has_descriptions == has_extensions)
     return nullptr;
@@ -126,19 +136,20 @@ ValueLimits* fromListDictionary(PyObject* object)
 
 QString pythonObjectText(PyObject* object)
 {
-  Reference str(PyObject_Str(object));
-  if (!str.object) {
+  const Reference holder(PyObject_Str(object));
+  PyObject* str = holder.object;
+  if (!str) {
     PyErr_Clear();
     return QString();
   }
-  VEL_ASSERT(PyUnicode_Check(str.object));
-  Py_UCS4* characters = PyUnicode_AsUCS4Copy(str.object);
+  VEL_ASSERT(PyUnicode_Check(str));
+  Py_UCS4* characters = PyUnicode_AsUCS4Copy(str);
   if (!characters) {
     PyErr_Clear();
     return QString();
   }
   const QString text = QString::fromUcs4(reinterpret_cast<const char32_t*>(characters),
-                                         static_cast<qsizetype>(PyUnicode_GetLength(str.object)));
+                                         static_cast<qsizetype>(PyUnicode_GetLength(str)));
   PyMem_Free(characters);
   return text;
 }

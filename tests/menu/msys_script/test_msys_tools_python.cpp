@@ -85,6 +85,53 @@ INSTANTIATE_TEST_SUITE_P(
         LimitsCase{"{'extensions': ['stl'], 'other': 1}", "none"}, LimitsCase{"'0..10'", "none"},
         LimitsCase{"1.5", "none"}));
 
+// The items' str() is the script's own code: it may change the dictionary or the list that is
+// being read. Whatever it does, the lists in hand are read to their end and nothing is freed
+// under the reader.
+struct ChangingCase
+{
+  const char* what;
+  const char* change;  // what the first item's str() does to the dictionary `d`
+  const char* dictionary;
+  const char* expected;
+};
+
+class ValueLimitsFromAChangingDictionary : public ::testing::TestWithParam<ChangingCase>
+{};
+
+TEST_P(ValueLimitsFromAChangingDictionary, ReadTheListsThatWereLookedUp)
+{
+  Vel::GScript::PythonInterpreter::initialize();
+  // Its own globals, so that nothing but the dictionary holds the lists.
+  py::dict scope;
+  scope["__builtins__"] = py::module_::import("builtins");
+  py::exec(QStringLiteral("class Changing:\n"
+                          "    def __str__(self):\n"
+                          "        %1\n"
+                          "        return 'gone'\n"
+                          "d = %2\n")
+               .arg(QString::fromLatin1(GetParam().change), QString::fromLatin1(GetParam().dictionary))
+               .toStdString(),
+           scope);
+  std::unique_ptr<ValueLimits> limits(createValueLimits(py::object(scope["d"]).ptr()));
+  EXPECT_EQ(describe(limits.get()), GetParam().expected);
+  EXPECT_FALSE(PyErr_Occurred());
+}
+
+INSTANTIATE_TEST_SUITE_P(Rules, ValueLimitsFromAChangingDictionary,
+                         ::testing::Values(
+                             // The list that was looked up is the one read, although the dictionary now holds another.
+                             // `spare` takes the place of a list freed too early, so that reading it shows.
+                             ChangingCase{"list_replaced", "d['descriptions'] = []; spare = [0] * 5",
+                                          "{'descriptions': [Changing(), 'b']}", "list free [gone|b]"},
+                             ChangingCase{"other_list_dropped", "del d['extensions']; spare = [0] * 5",
+                                          "{'descriptions': [Changing(), 'b'], 'extensions': ['stl']}", "none"},
+                             ChangingCase{"list_emptied", "d['descriptions'].clear()",
+                                          "{'descriptions': [Changing(), 'b']}", "list free [gone]"}),
+                         [](const ::testing::TestParamInfo<ChangingCase>& info) {
+                           return std::string(info.param.what);
+                         });
+
 TEST(PythonObjectText, IsTheObjectsStrAsUnicode)
 {
   EXPECT_EQ(pythonObjectText(evaluate("'Grüße \\U0001F600'").ptr()), QStringLiteral("Grüße \U0001F600"));
