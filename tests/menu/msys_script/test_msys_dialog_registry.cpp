@@ -10,6 +10,7 @@
 #include "gtools/error_dialog.h"
 #include "gtools/vel_tool_tip_label.h"
 #include "menu/msys_script/msys_dialog_controls.h"
+#include "menu/msys_script/msys_dialog_styles.h"
 
 using namespace Vel::MSysScript;
 using Category = DialogWidgetCreator::Category;
@@ -120,6 +121,21 @@ TEST_P(ControlRows, HaveTheirButtonsAndSignals)
     EXPECT_NE(control->findChild<QPushButton*>(name), nullptr) << name.toStdString();
   ASSERT_NE(control->getStatusLabel(), nullptr);
   EXPECT_EQ(control->getStatusLabel()->objectName(), QStringLiteral("_status"));
+  // With ZUT_TEST_SCREENSHOTS set, a picture of the row with a status text is kept there.
+  if (const QString folder = qEnvironmentVariable("ZUT_TEST_SCREENSHOTS"); !folder.isEmpty()) {
+    control->getStatusLabel()->setFullText(QStringLiteral("Step 2 of 3: measure the bore diameter"));
+    control->resize(460, control->sizeHint().height());
+    control->show();
+    control->grab().save(QStringLiteral("%1/control_%2.png").arg(folder, QString::fromLatin1(c.id)));
+    DialogStyleWidget touch;
+    touch.setStyleSheet(DialogStyleDatabase::findStyle(QStringLiteral("Touch screen"))->getStyleSheet());
+    control->setParent(&touch);
+    touch.resize(640, control->sizeHint().height() + 16);
+    control->setGeometry(8, 8, 624, control->sizeHint().height());
+    touch.show();
+    touch.grab().save(QStringLiteral("%1/control_%2_touch.png").arg(folder, QString::fromLatin1(c.id)));
+    control->setParent(nullptr);
+  }
 
   QSignalSpy accepted(control.get(), &DialogControl::signalAccept);
   QSignalSpy rejected(control.get(), &DialogControl::signalReject);
