@@ -51,8 +51,10 @@ public:
       _factor = Xml::getValue<double>(node, QStringLiteral("factor"));
     if (Xml::hasChild(node, QStringLiteral("read_only")))
       _read_only = Xml::getValue<bool>(node, QStringLiteral("read_only"));
-    if (Xml::hasChild(node, QStringLiteral("text")))
+    if (Xml::hasChild(node, QStringLiteral("text"))) {
       _text = Xml::getCData(node, QStringLiteral("text"));
+      _rich = Xml::getAttribute<bool>(Xml::getChild(node, QStringLiteral("text")), QStringLiteral("rich"));
+    }
     if (Xml::hasAttribute(node, QStringLiteral("framed")))
       _framed = Xml::getAttribute<bool>(node, QStringLiteral("framed"));
     _shape.read(node, QStringLiteral("shape"));
@@ -66,7 +68,9 @@ public:
     element->appendChild(Xml::createValue(document, QStringLiteral("count"), _count));
     element->appendChild(Xml::createValue(document, QStringLiteral("factor"), _factor));
     element->appendChild(Xml::createValue(document, QStringLiteral("read_only"), _read_only));
-    element->appendChild(Xml::createCData(document, QStringLiteral("text"), _text));
+    QDomElement text = Xml::createCData(document, QStringLiteral("text"), _text).toElement();
+    text.setAttribute(QStringLiteral("rich"), Xml::valueText(_rich));
+    element->appendChild(text);
     _shape.create(document, *element, QStringLiteral("shape"));
   }
 
@@ -94,6 +98,7 @@ public:
   bool readOnly() const { return _read_only; }
   bool framed() const { return _framed; }
   const QString& text() const { return _text; }
+  bool rich() const { return _rich; }
   Shape::Type_t shape() const { return _shape.get(); }
 
 protected:
@@ -110,6 +115,7 @@ private:
   double _factor = 1.0;
   bool _read_only = false;
   bool _framed = false;
+  bool _rich = false;
   QString _text;
   Xml::Enumeration<Shape::Type_t> _shape;
 };

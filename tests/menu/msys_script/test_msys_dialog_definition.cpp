@@ -172,7 +172,7 @@ TEST(DialogDefinition, ElementsAreMadeForTheModeAskedAndReadTheirOwnChildren)
                                            "<widget type=\"test::element\" row=\"0\" column=\"0\" framed=\"true\">"
                                            "<name>n</name><tooltip>tip</tooltip><value>Grüße</value><count>-3</count>"
                                            "<factor>2.5e-3</factor><read_only>true</read_only>"
-                                           "<text><![CDATA[<b>bold</b>]]></text><shape>square</shape>"
+                                           "<text rich=\"true\"><![CDATA[<b>bold</b>]]></text><shape>square</shape>"
                                            "</widget></content>")),
       DialogWidget::DialogMode::Editor);
   auto* widget = static_cast<TestElement::TestWidget*>(definition->findWidget(QStringLiteral("n")));
@@ -185,6 +185,7 @@ TEST(DialogDefinition, ElementsAreMadeForTheModeAskedAndReadTheirOwnChildren)
   EXPECT_TRUE(widget->readOnly());
   EXPECT_TRUE(widget->framed());
   EXPECT_EQ(widget->text(), QStringLiteral("<b>bold</b>"));
+  EXPECT_TRUE(widget->rich());
   EXPECT_EQ(widget->shape(), TestElement::Shape::Square);
 }
 
