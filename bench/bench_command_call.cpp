@@ -1,18 +1,11 @@
 // Cost of one command call from Python: zut.script.NAME(**kwargs) resolves the name through
 // the command container, converts the arguments, runs the command and converts the result.
 
-#include <QApplication>
 #include <QTemporaryDir>
 
-#include <benchmark/benchmark.h>
-
-#include "cfg/cfg.h"
+#include "bench_main.h"
 #include "core/error_log.h"
-#include "gapp/command_container.h"
 #include "gscript/execute.h"
-#include "gscript/python_interpreter.h"
-#include "gtools/error_dialog.h"
-#include "menu/msys_script/msys_library.h"
 
 namespace {
 
@@ -70,14 +63,7 @@ int main(int argc, char** argv)
   Vel::GTools::prepareGuiEnvironment();
   QApplication application(argc, argv);
   QTemporaryDir dir;
-  Vel::Cfg cfg(dir.filePath(QStringLiteral("config.json")));
-  Vel::MSysScript::InitLibrary(cfg.root());
-
-  benchmark::Initialize(&argc, argv);
-  benchmark::RunSpecifiedBenchmarks();
-  benchmark::Shutdown();
-
-  Vel::GApp::CommandContainer::getInstance().deleteAll();
-  Vel::GScript::PythonInterpreter::finalize();
+  const BenchModule module(dir);
+  runBenchmarks(argc, argv);
   return 0;
 }

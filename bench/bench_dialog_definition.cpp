@@ -1,12 +1,8 @@
 // Reading a dialog definition whose every cell holds an element: the cost per cell as the grid
 // grows from 20 to 5,000 cells.
 
-#include <QApplication>
-
-#include <benchmark/benchmark.h>
-
+#include "bench_main.h"
 #include "dialog_test_element.h"
-#include "gtools/error_dialog.h"
 #include "menu/msys_script/msys_dialog_definition.h"
 
 using namespace Vel::MSysScript;
@@ -63,8 +59,6 @@ int main(int argc, char** argv)
 {
   Vel::GTools::prepareGuiEnvironment();
   QApplication application(argc, argv);
-  benchmark::Initialize(&argc, argv);
-  benchmark::RunSpecifiedBenchmarks();
-  benchmark::Shutdown();
+  runBenchmarks(argc, argv);
   return 0;
 }

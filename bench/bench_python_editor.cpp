@@ -2,14 +2,12 @@
 // character once, a full parse, and a one-line insertion against the full parse it replaces.
 // ZUT_BENCH_PY names the file to use; without it a file is generated.
 
-#include <QApplication>
 #include <QFile>
 #include <QStringList>
 
-#include <benchmark/benchmark.h>
 #include <chrono>
 
-#include "gtools/error_dialog.h"
+#include "bench_main.h"
 #include "menu/msys_script/msys_python_dump.h"
 #include "menu/msys_script/msys_python_highlighter.h"
 #include "menu/msys_script/msys_python_parser.h"
@@ -148,8 +146,6 @@ int main(int argc, char** argv)
 {
   Vel::GTools::prepareGuiEnvironment();
   QApplication application(argc, argv);
-  benchmark::Initialize(&argc, argv);
-  benchmark::RunSpecifiedBenchmarks();
-  benchmark::Shutdown();
+  runBenchmarks(argc, argv);
   return 0;
 }

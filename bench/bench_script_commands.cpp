@@ -1,19 +1,13 @@
 // UpdateRegisteredCommands over databases of growing size: the folders are read, every script
 // is matched with its command (made when missing), and every folder's group is rebuilt.
 
-#include <QApplication>
 #include <QDir>
 #include <QFile>
 #include <QTemporaryDir>
 
-#include <benchmark/benchmark.h>
 #include <memory>
 
-#include "cfg/cfg.h"
-#include "gapp/command_container.h"
-#include "gscript/python_interpreter.h"
-#include "gtools/error_dialog.h"
-#include "menu/msys_script/msys_library.h"
+#include "bench_main.h"
 
 namespace {
 
@@ -96,14 +90,7 @@ int main(int argc, char** argv)
   data = &dir;
   qputenv("ZUT_SYSTEM_SCRIPTS", dir.filePath(QStringLiteral("system")).toLocal8Bit());
   qunsetenv("ZUT_PUBLIC_SCRIPTS");
-  Vel::Cfg cfg(dir.filePath(QStringLiteral("config.json")));
-  Vel::MSysScript::InitLibrary(cfg.root());
-
-  benchmark::Initialize(&argc, argv);
-  benchmark::RunSpecifiedBenchmarks();
-  benchmark::Shutdown();
-
-  Vel::GApp::CommandContainer::getInstance().deleteAll();
-  Vel::GScript::PythonInterpreter::finalize();
+  const BenchModule module(dir);
+  runBenchmarks(argc, argv);
   return 0;
 }
