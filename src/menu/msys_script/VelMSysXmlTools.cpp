@@ -7,26 +7,12 @@
 
 namespace Vel::MSysScript::Xml {
 
-namespace {
-
-ErrorLog logOf(const QString& message)
-{
-  ErrorLog log;
-  log.addLine(message);
-  return log;
-}
-
-QString err(const char* text, const char* key)
-{
-  return translate("MSysScript_err", text, key);
-}
-
-}  // namespace
+namespace {}  // namespace
 
 ParseException::ParseException(const QString& message) : ParseException(message, -1) {}
 
 ParseException::ParseException(const QString& message, int line)
-    : GApp::CommandError(QString::fromLatin1(ERR_EXECUTE_SCRIPT), logOf(message)), _message(message), _line(line)
+    : GApp::CommandError(QString::fromLatin1(ERR_EXECUTE_SCRIPT), ErrorLog(message)), _message(message), _line(line)
 {}
 
 ParseException::ParseException(const QDomNode& node, const QString& message)
@@ -37,8 +23,8 @@ void checkTag(const QDomNode& node, const QString& tag)
 {
   const QString actual = node.toElement().tagName();
   if (actual != tag)
-    throw ParseException(node,
-                         err("Invalid XML tag. '%1' is expected but '%2' is given.", "id=27745").arg(tag, actual));
+    throw ParseException(
+        node, errorText("Invalid XML tag. '%1' is expected but '%2' is given.", "id=27745").arg(tag, actual));
 }
 
 bool hasChild(const QDomNode& node, const QString& tag)
@@ -55,7 +41,7 @@ template <>
 QString getAttribute<QString>(const QDomNode& node, const QString& name)
 {
   if (!hasAttribute(node, name))
-    throw ParseException(node, err("Cannot find attribute \"%1\".", "id=27750").arg(name));
+    throw ParseException(node, errorText("Cannot find attribute \"%1\".", "id=27750").arg(name));
   return node.toElement().attribute(name);
 }
 
@@ -67,7 +53,7 @@ int getAttribute<int>(const QDomNode& node, const QString& name)
   bool ok = false;
   const int value = node.toElement().attribute(name).toInt(&ok, 10);
   if (!ok)
-    throw ParseException(node, err("Attribute '%1' should be of type 'integer'.", "id=27751").arg(name));
+    throw ParseException(node, errorText("Attribute '%1' should be of type 'integer'.", "id=27751").arg(name));
   return value;
 }
 
@@ -75,22 +61,22 @@ template <>
 bool getAttribute<bool>(const QDomNode& node, const QString& name)
 {
   if (!hasAttribute(node, name))
-    throw ParseException(node, err("Cannot find attribute \"%1\".", "id=27752").arg(name));
+    throw ParseException(node, errorText("Cannot find attribute \"%1\".", "id=27752").arg(name));
   const QString text = node.toElement().attribute(name);
   if (text == QLatin1String("true"))
     return true;
   if (text == QLatin1String("false"))
     return false;
-  throw ParseException(node, err("Attribute '%1' should be of type 'boolean'.", "id=27753").arg(name));
+  throw ParseException(node, errorText("Attribute '%1' should be of type 'boolean'.", "id=27753").arg(name));
 }
 
 QDomElement getChild(const QDomNode& node, const QString& tag)
 {
   QDomElement found = node.firstChildElement(tag);
   if (found.isNull())
-    throw ParseException(node, err("The element with tag \"%1\" is missing.", "id=27746").arg(tag));
+    throw ParseException(node, errorText("The element with tag \"%1\" is missing.", "id=27746").arg(tag));
   if (!found.nextSiblingElement(tag).isNull())
-    throw ParseException(node, err("The element with tag \"%1\" exists several times.", "id=27747").arg(tag));
+    throw ParseException(node, errorText("The element with tag \"%1\" exists several times.", "id=27747").arg(tag));
   return found;
 }
 
@@ -102,7 +88,7 @@ std::vector<QDomElement> getChildren(const QDomNode& node, const QString& tag)
   for (int i = 0; i < list.size(); ++i) {
     const QDomNode entry = list.at(i);
     if (!entry.isElement())
-      throw ParseException(entry, err("The element with tag \"%1\" has a wrong type.", "id=27749").arg(tag));
+      throw ParseException(entry, errorText("The element with tag \"%1\" has a wrong type.", "id=27749").arg(tag));
     children.push_back(entry.toElement());
   }
   return children;
@@ -121,7 +107,7 @@ int getValue<int>(const QDomNode& node, const QString& tag)
   bool ok = false;
   const int value = child.text().toInt(&ok, 10);
   if (!ok)
-    throw ParseException(node, err("The tag content '%1' should be of type 'integer'.", "id=27754").arg(tag));
+    throw ParseException(node, errorText("The tag content '%1' should be of type 'integer'.", "id=27754").arg(tag));
   return value;
 }
 
@@ -133,7 +119,7 @@ double getValue<double>(const QDomNode& node, const QString& tag)
   bool ok = false;
   const double value = child.text().toDouble(&ok);
   if (!ok)
-    throw ParseException(node, err("The tag content '%1' should be of type 'integer'.", "id=27755").arg(tag));
+    throw ParseException(node, errorText("The tag content '%1' should be of type 'integer'.", "id=27755").arg(tag));
   return value;
 }
 
@@ -146,7 +132,7 @@ bool getValue<bool>(const QDomNode& node, const QString& tag)
     return true;
   if (text == QLatin1String("false"))
     return false;
-  throw ParseException(node, err("The tag content '%1' should be of type 'boolean'.", "id=27756").arg(tag));
+  throw ParseException(node, errorText("The tag content '%1' should be of type 'boolean'.", "id=27756").arg(tag));
 }
 
 QString getCData(const QDomNode& node, const QString& tag)

@@ -12,6 +12,7 @@
 #include "core/script_type.h"
 #include "core/translate.h"
 #include "gapp/command.h"
+#include "menu/msys_script/msys_error_codes.h"
 
 // What every element of a user-defined dialog uses to read itself from, and write itself to,
 // the definition's DOM tree, so that all readers stay short and all report faults alike.
@@ -112,7 +113,7 @@ public:
   {
     const auto pos = find(word);
     if (pos == _values.end())
-      throw ScriptTypeException(translate("MSysScript_err", "The value \"%1\" is invalid.", "id=38112").arg(word));
+      throw ScriptTypeException(errorText("The value \"%1\" is invalid.", "id=38112").arg(word));
     _current = pos->first;
   }
 
@@ -124,8 +125,7 @@ public:
     const QString word = getValue<QString>(parent, tag);
     const auto pos = find(word);
     if (pos == _values.end())
-      throw ParseException(
-          parent, translate("MSysScript_err", "The type \"%1\" is invalid for tag \"%2\".", "id=38113").arg(word, tag));
+      throw ParseException(parent, errorText("The type \"%1\" is invalid for tag \"%2\".", "id=38113").arg(word, tag));
     _current = pos->first;
   }
 

@@ -33,9 +33,7 @@ void failCommand(const char* code, const ErrorLog& log)
 
 void failCommand(const char* code, const QString& line)
 {
-  ErrorLog log;
-  log.addLine(line);
-  failCommand(code, log);
+  failCommand(code, ErrorLog(line));
 }
 
 bool askForFile(GApp::CommandParameters& parameters, const QString& argument, const QString& title,

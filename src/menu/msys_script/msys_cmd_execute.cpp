@@ -97,8 +97,7 @@ bool ExecuteScriptCommand::readScriptFile(const QString& path, QString& text, Er
     return false;
   }
   if (!file.isReadable() || file.bytesAvailable() <= 0) {
-    log.addLine(
-        translate("MSysScript_err", "Unable to access file: %1", "id=9989").arg(QDir::toNativeSeparators(path)));
+    log.addLine(errorText("Unable to access file: %1", "id=9989").arg(QDir::toNativeSeparators(path)));
     return false;
   }
   QTextStream stream(&file);

@@ -29,8 +29,7 @@ bool readFile(const QString& path, QByteArray& bytes, ErrorLog& log)
   }
   bytes = file.readAll();
   if (bytes.isEmpty()) {
-    log.addLine(
-        translate("MSysScript_err", "Unable to access file: %1", "id=9989").arg(QDir::toNativeSeparators(path)));
+    log.addLine(errorText("Unable to access file: %1", "id=9989").arg(QDir::toNativeSeparators(path)));
     return false;
   }
   return true;

@@ -144,9 +144,9 @@ void ScriptCommand::execute(const GApp::CommandParameters& parameters)
     DatabaseLock database(true);
     const GScript::Script* current = database ? database->getCurrentScript() : nullptr;
     if (current && current->getFileName() == _script_file_name)
-      failCommand(ERR_EXECUTE_SCRIPT,
-                  translate("MSysScript_err", "A script is called which is currently being recorded: '%1'", "id=10050")
-                      .arg(_qualified_name));
+      failCommand(
+          ERR_EXECUTE_SCRIPT,
+          errorText("A script is called which is currently being recorded: '%1'", "id=10050").arg(_qualified_name));
   }
 
   if (GScript::PythonInterpreter::getInterpreterStack().size() > size_t(MAX_RECURSION_DEPTH))
@@ -166,8 +166,7 @@ void ScriptCommand::execute(const GApp::CommandParameters& parameters)
     }
   }
   if (text.isEmpty())
-    failCommand(ERR_EXECUTE_SCRIPT,
-                translate("MSysScript_err", "No script found for command '%1'", "id=10052").arg(getName()));
+    failCommand(ERR_EXECUTE_SCRIPT, errorText("No script found for command '%1'", "id=10052").arg(getName()));
 
   GScript::Execute run(text);
   const bool collect = applyRunArguments(parameters, run);

@@ -10,6 +10,7 @@
 #include "core/translate.h"
 #include "gtools/dialog_widget_supplier.h"
 #include "menu/msys_script/msys_dialog_styles.h"
+#include "menu/msys_script/msys_error_codes.h"
 
 namespace Vel::MSysScript {
 
@@ -46,11 +47,6 @@ const QString STYLE_OLD_TOUCH_LIGHT = QStringLiteral("TouchLight");
 QString dialogErr(const char* text)
 {
   return translate("MSysScript_Dialog_err", text, "");
-}
-
-QString err(const char* text)
-{
-  return translate("MSysScript_err", text, "");
 }
 
 // Cells of the grid covered so far.
@@ -182,7 +178,7 @@ void checkNames(const DialogDefinition& definition)
     if (cell.widget->getCreatorId() == DialogWidgetCreator::EMPTY_WIDGET_ID)
       continue;
     if (names.contains(name))
-      throw Xml::ParseException(err("The name \"%1\" of the GUI element exists twice.").arg(name),
+      throw Xml::ParseException(errorText("The name \"%1\" of the GUI element exists twice.").arg(name),
                                 cell.widget->getSourceLine());
     names.insert(name);
   }
@@ -290,7 +286,7 @@ std::unique_ptr<DialogDefinition> DialogDefinition::read(const QString& text, Di
   int line = -1;
   int column = -1;
   if (!document.setContent(text, &message, &line, &column))
-    throw Xml::ParseException(translate("MSysScript_err", "Parse error: %1", "").arg(message), line);
+    throw Xml::ParseException(errorText("Parse error: %1").arg(message), line);
 
   const QDomElement root = document.documentElement();
   Xml::checkTag(root, TAG_DIALOG);
@@ -300,7 +296,7 @@ std::unique_ptr<DialogDefinition> DialogDefinition::read(const QString& text, Di
   readGrid(root, *definition, mode);
   if (!DialogRegistry::getRegistry()->getControlCreator(definition->header.control_id))
     throw Xml::ParseException(Xml::getChild(root, TAG_CONTROL),
-                              err("Unknown dialog type: %1").arg(definition->header.control_id));
+                              errorText("Unknown dialog type: %1").arg(definition->header.control_id));
   checkNames(*definition);
   return definition;
 }

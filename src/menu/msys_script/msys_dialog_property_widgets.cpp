@@ -159,7 +159,7 @@ void IconPropertyWidget::slotSelect()
   QImage image;
   if (!image.load(files.first())) {
     GTools::ErrorDialog(QString::fromLatin1(ERR_LOAD_IMAGE),
-                        translate("MSysScript_err", "Cannot load the image file \"%1\".", "").arg(files.first()));
+                        errorText("Cannot load the image file \"%1\".").arg(files.first()));
     return;
   }
   setImage(image);

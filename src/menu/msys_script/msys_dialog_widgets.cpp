@@ -22,11 +22,6 @@ namespace Vel::MSysScript {
 
 namespace {
 
-QString err(const char* text, const char* key = "")
-{
-  return translate("MSysScript_err", text, key);
-}
-
 QString editorText(const char* text, const char* key = "")
 {
   return translate("MSysScript_DialogEditor_other", text, key);
@@ -60,7 +55,7 @@ bool DialogWidget::checkConfiguration(QString* error) const
 {
   if (getName().isEmpty()) {
     if (error)
-      *error = err("The name for the GUI element is missing.");
+      *error = errorText("The name for the GUI element is missing.");
     return false;
   }
   return true;
@@ -163,7 +158,7 @@ void DialogWidget::slotModified()
 
 void DialogWidget::throwNotWritable(const QString& name)
 {
-  throw ScriptTypeException(err("The object has no writeable attribute \"%1\".").arg(name));
+  throw ScriptTypeException(errorText("The object has no writeable attribute \"%1\".").arg(name));
 }
 
 // ---------------------------------------------------------------------------------------------

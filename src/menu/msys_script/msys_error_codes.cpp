@@ -41,10 +41,15 @@ const ErrorEntry ERRORS[] = {
 
 }  // namespace
 
+QString errorText(const char* text, const char* key)
+{
+  return translate("MSysScript_err", text, key);
+}
+
 void registerErrorCodes()
 {
   for (const ErrorEntry& entry : ERRORS)
-    ErrorMessageContainer::registerError(entry.code, translate("MSysScript_err", entry.message, entry.key));
+    ErrorMessageContainer::registerError(entry.code, errorText(entry.message, entry.key));
 }
 
 }  // namespace Vel::MSysScript

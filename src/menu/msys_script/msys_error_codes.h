@@ -1,5 +1,7 @@
 #pragma once
 
+#include <QString>
+
 namespace Vel::MSysScript {
 
 // The codes users and support see; messages are registered by InitLibrary.
@@ -22,6 +24,9 @@ constexpr const char* ERR_EXPORT_ARCHIVE = "MSysScriptErr-0016";
 constexpr const char* ERR_LOAD_IMAGE = "MSysScriptErr-0017";
 constexpr const char* ERR_TEMPLATE_DATABASE = "MSysScriptErr-0018";
 constexpr const char* ERR_SAVE_FILE = "MSysScriptErr-0019";
+
+// A message of the module's errors, translated in their context ("MSysScript_err").
+QString errorText(const char* text, const char* key = "");
 
 // Registers every code with its translated message, in the order of the translation ids.
 void registerErrorCodes();

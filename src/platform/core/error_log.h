@@ -12,6 +12,10 @@ namespace Vel {
 class VEL_EXPORT ErrorLog
 {
 public:
+  ErrorLog() = default;
+  // A log of one line, the usual case of a failure that has a single thing to say.
+  explicit ErrorLog(const QString& line) { _lines << line; }
+
   void addLine(const QString& line) { _lines << line; }
   void append(const ErrorLog& other) { _lines << other._lines; }
   bool isEmpty() const { return _lines.isEmpty(); }

@@ -19,13 +19,6 @@ void registerFrameworkErrors()
   (void)done;
 }
 
-ErrorLog logOf(const QString& message)
-{
-  ErrorLog log;
-  log.addLine(message);
-  return log;
-}
-
 }  // namespace
 
 CommandError::CommandError(const QString& code, const ErrorLog& log)
@@ -33,7 +26,7 @@ CommandError::CommandError(const QString& code, const ErrorLog& log)
 {}
 
 CommandError::CommandError(const QString& message)
-    : CommandError(QString::fromLatin1(ERR_COMMAND_FAILED), logOf(message))
+    : CommandError(QString::fromLatin1(ERR_COMMAND_FAILED), ErrorLog(message))
 {
   registerFrameworkErrors();
 }
