@@ -1,7 +1,5 @@
 #include "core/unit.h"
 
-#include <QMap>
-
 #include <array>
 #include <cmath>
 
@@ -16,31 +14,32 @@ const double PI = 3.14159265358979323846;
 const std::array<Unit, 13>& units()
 {
   static const std::array<Unit, 13> table = {{
-      {"mm", uLength, "mm", 1.0, 0},
-      {"um", uLength, "\u00b5m", 1e-3, -3},
-      {"cm", uLength, "cm", 10.0, 1},
-      {"m", uLength, "m", 1000.0, 3},
-      {"inch", uLength, "in", 25.4, 1},
-      {"mil", uLength, "mil", 0.0254, -2},
-      {"deg", uAngle, "\u00b0", 1.0, 0},
-      {"rad", uAngle, "rad", 180.0 / PI, 2},
-      {"mrad", uAngle, "mrad", 0.18 / PI, -1},
-      {"s", uTime, "s", 1.0, 0},
-      {"ms", uTime, "ms", 1e-3, -3},
-      {"min", uTime, "min", 60.0, 2},
-      {"h", uTime, "h", 3600.0, 4},
+      {"mm", uLength, "mm", 1.0, 0, "Millimetre"},
+      {"um", uLength, "\u00b5m", 1e-3, -3, "Micrometre"},
+      {"cm", uLength, "cm", 10.0, 1, "Centimetre"},
+      {"m", uLength, "m", 1000.0, 3, "Metre"},
+      {"inch", uLength, "in", 25.4, 1, "Inch"},
+      {"mil", uLength, "mil", 0.0254, -2, "Mil"},
+      {"deg", uAngle, "\u00b0", 1.0, 0, "Degree"},
+      {"rad", uAngle, "rad", 180.0 / PI, 2, "Radian"},
+      {"mrad", uAngle, "mrad", 0.18 / PI, -1, "Milliradian"},
+      {"s", uTime, "s", 1.0, 0, "Second"},
+      {"ms", uTime, "ms", 1e-3, -3, "Millisecond"},
+      {"min", uTime, "min", 60.0, 2, "Minute"},
+      {"h", uTime, "h", 3600.0, 4, "Hour"},
   }};
   return table;
 }
 
 }  // namespace
 
-Unit::Unit(const char* id, UnitKind kind, const char* symbol, double factor, int digit_difference)
+Unit::Unit(const char* id, UnitKind kind, const char* symbol, double factor, int digit_difference, const char* name)
     : _id(QString::fromLatin1(id)),
       _kind(kind),
       _symbol(QString::fromUtf8(symbol)),
       _factor(factor),
-      _digit_difference(digit_difference)
+      _digit_difference(digit_difference),
+      _name(name)
 {}
 
 const Unit* Unit::getUnit(const QString& id)
@@ -83,11 +82,7 @@ std::vector<const Unit*> Unit::getAvailableUnitsForApplication()
 
 QString Unit::getName() const
 {
-  static const QMap<QString, const char*> names = {
-      {"mm", "Millimetre"},  {"um", "Micrometre"}, {"cm", "Centimetre"}, {"m", "Metre"},          {"inch", "Inch"},
-      {"mil", "Mil"},        {"deg", "Degree"},    {"rad", "Radian"},    {"mrad", "Milliradian"}, {"s", "Second"},
-      {"ms", "Millisecond"}, {"min", "Minute"},    {"h", "Hour"}};
-  return QStringLiteral("%1 (%2)").arg(translate("Units", names.value(_id, ""), ""), _symbol);
+  return QStringLiteral("%1 (%2)").arg(translate("Units", _name, ""), _symbol);
 }
 
 QString Unit::kindName(UnitKind kind)

@@ -43,7 +43,7 @@ public:
   // What a user reads, such as "Millimetre (mm)".
   QString getName() const;
 
-  Unit(const char* id, UnitKind kind, const char* symbol, double factor, int digit_difference);
+  Unit(const char* id, UnitKind kind, const char* symbol, double factor, int digit_difference, const char* name);
 
 private:
   QString _id;
@@ -51,6 +51,7 @@ private:
   QString _symbol;
   double _factor;
   int _digit_difference;
+  const char* _name;  // English; translated when shown
 };
 
 }  // namespace Vel
