@@ -10,6 +10,7 @@
 #include <QMainWindow>
 
 #include <cstdio>
+#include <optional>
 
 #include "cfg/cfg.h"
 #include "core/prog_error.h"
@@ -297,16 +298,41 @@ bool readSource(const char* sub_command, const QString& path, QByteArray& text)
   return true;
 }
 
+// A function the module exports for tools. Its text result is released by the module, which
+// allocated it; a null result means the module failed.
+template <class Function>
+class ModuleTool
+{
+public:
+  ModuleTool(ZutHost& host, const char* name)
+      : _call(reinterpret_cast<Function>(host.module()->resolve(name))),
+        _free(reinterpret_cast<void (*)(char*)>(host.module()->resolve("FreeAnalysis")))
+  {}
+  explicit operator bool() const { return _call && _free; }
+
+  template <class... Arguments>
+  std::optional<QString> operator()(Arguments... arguments) const
+  {
+    char* result = _call(arguments...);
+    if (!result)
+      return std::nullopt;
+    const QString text = QString::fromUtf8(result);
+    _free(result);
+    return text;
+  }
+
+private:
+  Function _call;
+  void (*_free)(char*);
+};
+
 // The module's own parser and highlighter, through the functions it exports for tools.
 int analyze(ZutHost& host, const char* what, const QStringList& arguments, bool json)
 {
   if (arguments.size() != 1)
     return usage(what, QStringLiteral("exactly one FILE.py is expected"));
-  using Analyze = char* (*)(const char*, const char*, int);
-  using Free = void (*)(char*);
-  const auto analyze_text = reinterpret_cast<Analyze>(host.module()->resolve("AnalyzePythonText"));
-  const auto free_analysis = reinterpret_cast<Free>(host.module()->resolve("FreeAnalysis"));
-  if (!analyze_text || !free_analysis) {
+  const ModuleTool<char* (*)(const char*, const char*, int)> analyze_text(host, "AnalyzePythonText");
+  if (!analyze_text) {
     printErr(
         QStringLiteral("zut %1: the scripting module cannot analyse Python text\n").arg(QString::fromLatin1(what)));
     return EXIT_FAILED;
@@ -314,11 +340,10 @@ int analyze(ZutHost& host, const char* what, const QStringList& arguments, bool 
   QByteArray text;
   if (!readSource(what, arguments.first(), text))
     return EXIT_FAILED;
-  char* result = analyze_text(what, text.constData(), json ? 1 : 0);
+  const std::optional<QString> result = analyze_text(what, text.constData(), json ? 1 : 0);
   if (!result)
     return EXIT_FAILED;
-  printOut(QString::fromUtf8(result));
-  free_analysis(result);
+  printOut(*result);
   return EXIT_OK;
 }
 
@@ -388,11 +413,8 @@ int lint(ZutHost& host, const QStringList& arguments, bool json)
     return usage("lint", QStringLiteral("at least one FILE.xml is expected"));
   if (normalize && files.size() != 1)
     return usage("lint", QStringLiteral("--normalize takes exactly one FILE.xml"));
-  using Check = char* (*)(const char*, int, int*);
-  using Free = void (*)(char*);
-  const auto check = reinterpret_cast<Check>(host.module()->resolve("CheckDialogDefinition"));
-  const auto free_result = reinterpret_cast<Free>(host.module()->resolve("FreeAnalysis"));
-  if (!check || !free_result) {
+  const ModuleTool<char* (*)(const char*, int, int*)> check(host, "CheckDialogDefinition");
+  if (!check) {
     printErr(QStringLiteral("zut lint: the scripting module cannot read dialog definitions\n"));
     return EXIT_FAILED;
   }
@@ -407,13 +429,12 @@ int lint(ZutHost& host, const QStringList& arguments, bool json)
       continue;
     }
     int faulty = 0;
-    char* result = check(source.constData(), normalize ? 1 : 0, &faulty);
+    const std::optional<QString> result = check(source.constData(), normalize ? 1 : 0, &faulty);
     if (!result) {
       printErr(QStringLiteral("zut lint: %1: the scripting module failed to read it\n").arg(file));
       return EXIT_FAILED;
     }
-    const QString output = QString::fromUtf8(result);
-    free_result(result);
+    const QString& output = *result;
     if (!faulty) {
       text += output;
       continue;
