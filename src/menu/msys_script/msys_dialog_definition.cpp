@@ -40,9 +40,6 @@ const QString ATTR_COLUMNSPAN = QStringLiteral("columnspan");
 // Words of older definitions, converted while reading and never written.
 const QString EMBEDDING_OLD_EMBEDDED = QStringLiteral("embedded");
 const QString EMBEDDING_OLD_FULLSIZE = QStringLiteral("fullsize_embedded");
-// Older names of the touch screen style.
-const QString STYLE_OLD_TOUCH_DARK = QStringLiteral("TouchDark");
-const QString STYLE_OLD_TOUCH_LIGHT = QStringLiteral("TouchLight");
 
 QString dialogErr(const char* text)
 {
@@ -98,12 +95,11 @@ void readHeader(const QDomElement& root, DialogHeader& header)
 
   if (Xml::hasChild(root, TAG_STYLE)) {
     const QDomElement style = Xml::getChild(root, TAG_STYLE);
-    QString name = style.text();
-    if (name == STYLE_OLD_TOUCH_DARK || name == STYLE_OLD_TOUCH_LIGHT)
-      name = dialogStyleNames().at(1);
-    if (!dialogStyleNames().contains(name))
+    const QString name = style.text();
+    const DialogStyle* found = DialogStyleDatabase::findStyle(name);
+    if (!found)
       throw Xml::ParseException(style, dialogErr("The dialog style \"%1\" is unknown.").arg(name));
-    header.style = name;
+    header.style = found->getId();
   }
 }
 
@@ -218,14 +214,6 @@ void writeNode(QXmlStreamWriter& writer, const QDomNode& node)
 
 }  // namespace
 
-QStringList dialogStyleNames()
-{
-  QStringList names;
-  for (const DialogStyle& style : DialogStyleDatabase::getStyles())
-    names << style.getId();
-  return names;
-}
-
 DialogHeader::DialogHeader()
     : position(DialogPosition::Automatic, {{DialogPosition::Automatic, QStringLiteral("automatic")},
                                            {DialogPosition::Center, QStringLiteral("center")},
@@ -242,7 +230,7 @@ DialogHeader::DialogHeader()
       size_mode(DialogSizeMode::Automatic, {{DialogSizeMode::Automatic, QStringLiteral("automatic")},
                                             {DialogSizeMode::Fixed, QStringLiteral("fixed")},
                                             {DialogSizeMode::Maximized, QStringLiteral("maximized")}}),
-      style(dialogStyleNames().front())
+      style(DialogStyleDatabase::getStyles().front().getId())
 {}
 
 DialogDefinition::DialogDefinition() = default;

@@ -109,7 +109,4 @@ private:
   std::vector<Cell> _cells;
 };
 
-// The style names that definitions may use; the first is the default.
-QStringList dialogStyleNames();
-
 }  // namespace Vel::MSysScript

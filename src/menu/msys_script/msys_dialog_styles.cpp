@@ -36,7 +36,7 @@ DialogStyleDatabase::DialogStyleDatabase()
   addStyle(translate(context, "Standard", "id=37809#gui style"), QStringLiteral("Standard"),
            QString::fromLatin1(STANDARD_SHEET), 0);
   addStyle(translate(context, "Touch screen", "id=38917#gui style"), QStringLiteral("Touch screen"),
-           QString::fromLatin1(TOUCH_SHEET), 44);
+           QString::fromLatin1(TOUCH_SHEET), 44, {QStringLiteral("TouchDark"), QStringLiteral("TouchLight")});
 }
 
 DialogStyleDatabase& DialogStyleDatabase::instance()
@@ -46,10 +46,12 @@ DialogStyleDatabase& DialogStyleDatabase::instance()
 }
 
 // Made, filled in, and only then listed.
-void DialogStyleDatabase::addStyle(const QString& name, const QString& id, const QString& sheet, int controlHeight)
+void DialogStyleDatabase::addStyle(const QString& name, const QString& id, const QString& sheet, int controlHeight,
+                                   const QStringList& aliases)
 {
   DialogStyle style(name);
   style.setId(id);
+  style.setAliases(aliases);
   style.setStyleSheet(sheet);
   style.setControlHeight(controlHeight);
   _styles.push_back(style);
@@ -66,7 +68,7 @@ const std::vector<DialogStyle>& DialogStyleDatabase::getStyles()
 const DialogStyle* DialogStyleDatabase::findStyle(const QString& id)
 {
   for (const DialogStyle& style : getStyles())
-    if (style.getId() == id)
+    if (style.getId() == id || style.getAliases().contains(id))
       return &style;
   // A name a user typed from what the editor shows, in the user's language.
   for (const DialogStyle& style : getStyles())

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <QString>
+#include <QStringList>
 #include <QWidget>
 
 #include <vector>
@@ -21,12 +22,16 @@ public:
   int getControlHeight() const { return _control_height; }
 
   void setId(const QString& id) { _id = id; }
+  // Older names that definitions may still use.
+  void setAliases(const QStringList& aliases) { _aliases = aliases; }
+  const QStringList& getAliases() const { return _aliases; }
   void setStyleSheet(const QString& sheet) { _style_sheet = sheet; }
   void setControlHeight(int height) { _control_height = height; }
 
 private:
   QString _name;
   QString _id;
+  QStringList _aliases;
   QString _style_sheet;
   int _control_height = 0;
 };
@@ -36,14 +41,15 @@ class DialogStyleDatabase
 {
 public:
   static const std::vector<DialogStyle>& getStyles();
-  // By the untranslated name that definitions store, else by the name users read; null for an
+  // By the untranslated name that definitions store (or an older one), else by the name users read; null for an
   // unknown one.
   static const DialogStyle* findStyle(const QString& id);
 
 private:
   DialogStyleDatabase();
   static DialogStyleDatabase& instance();
-  void addStyle(const QString& name, const QString& id, const QString& sheet, int controlHeight);
+  void addStyle(const QString& name, const QString& id, const QString& sheet, int controlHeight,
+                const QStringList& aliases = {});
 
   std::vector<DialogStyle> _styles;
 };
