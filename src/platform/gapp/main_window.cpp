@@ -1,6 +1,8 @@
 #include "gapp/main_window.h"
 
+#include <QAbstractButton>
 #include <QMenu>
+#include <QPointer>
 
 #include <algorithm>
 
@@ -28,6 +30,28 @@ std::vector<SpecialMenuProvider*>& providers()
 {
   static std::vector<SpecialMenuProvider*> list;
   return list;
+}
+
+struct AbortState
+{
+  std::vector<QPointer<QAbstractButton>> buttons;
+  bool script_running = false;
+  int requests = 0;
+  std::function<void()> handler;
+
+  // Buttons destroyed with their dialog leave the list here rather than through a signal, so
+  // that a button outliving nothing costs nothing.
+  void prune()
+  {
+    buttons.erase(std::remove_if(buttons.begin(), buttons.end(), [](const auto& b) { return b.isNull(); }),
+                  buttons.end());
+  }
+};
+
+AbortState& abortState()
+{
+  static AbortState state;
+  return state;
 }
 }  // namespace
 
@@ -68,6 +92,54 @@ void MainWindow::fillSpecialMenu(const QString& menu_id, QMenu* menu)
   for (const SpecialMenuProvider* provider : providers())
     if (provider->getMenuId() == menu_id)
       provider->fillMenu(menu);
+}
+
+void MainWindow::addAbortButton(QAbstractButton* button)
+{
+  VEL_ASSERT(button);
+  AbortState& state = abortState();
+  state.prune();
+  state.buttons.emplace_back(button);
+  button->setEnabled(state.script_running);
+  QObject::connect(button, &QAbstractButton::clicked, button, [] { requestAbort(); });
+}
+
+int MainWindow::getAbortButtonCount()
+{
+  abortState().prune();
+  return static_cast<int>(abortState().buttons.size());
+}
+
+void MainWindow::setScriptRunning(bool running)
+{
+  AbortState& state = abortState();
+  state.script_running = running;
+  state.prune();
+  for (const auto& button : state.buttons)
+    button->setEnabled(running);
+}
+
+bool MainWindow::isScriptRunning()
+{
+  return abortState().script_running;
+}
+
+void MainWindow::requestAbort()
+{
+  AbortState& state = abortState();
+  ++state.requests;
+  if (state.handler)
+    state.handler();
+}
+
+int MainWindow::getAbortRequestCount()
+{
+  return abortState().requests;
+}
+
+void MainWindow::setAbortHandler(std::function<void()> handler)
+{
+  abortState().handler = std::move(handler);
 }
 
 }  // namespace GApp

@@ -2,11 +2,13 @@
 
 #include <QString>
 
+#include <functional>
 #include <vector>
 
 #include "core/vel_export.h"
 #include "gapp/command.h"
 
+class QAbstractButton;
 class QMenu;
 
 namespace Vel {
@@ -44,6 +46,19 @@ public:
   static const std::vector<SpecialMenuProvider*>& getSpecialMenuProviders();
   // Fills `menu` with the entries of every provider of `menu_id`.
   static void fillSpecialMenu(const QString& menu_id, QMenu* menu);
+
+  // Buttons that stop the running script. The host keeps them disabled while no script runs;
+  // a click asks for the abort. A button leaves the list when it is destroyed.
+  static void addAbortButton(QAbstractButton* button);
+  static int getAbortButtonCount();
+  // Told by whoever runs scripts: enables or disables every abort button.
+  static void setScriptRunning(bool running);
+  static bool isScriptRunning();
+  // Records the request and passes it to the abort handler, which stops the running script.
+  static void requestAbort();
+  // How many aborts were asked for since start-up.
+  static int getAbortRequestCount();
+  static void setAbortHandler(std::function<void()> handler);
 };
 
 }  // namespace GApp
