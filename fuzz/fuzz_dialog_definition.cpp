@@ -1,5 +1,6 @@
 // Feeds arbitrary bytes to the dialog definition reader. Every fault must be the reader's own
-// ParseException; whatever reads must write, read again and write the same text.
+// ParseException; whatever reads must write, read again and write the same text, and every
+// element read again must print, answer its attributes and check itself as the first did.
 
 #include <QApplication>
 
@@ -38,6 +39,23 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size)
     const auto again = Vel::MSysScript::DialogDefinition::read(written);
     if (again->write() != written)
       fail("written definition changed when read back", written);
+    const auto& cells = definition->getCells();
+    const auto& cells_again = again->getCells();
+    if (cells.size() != cells_again.size())
+      fail("cells changed when read back", written);
+    for (size_t i = 0; i < cells.size(); ++i) {
+      const Vel::MSysScript::DialogWidget* first = cells[i].widget;
+      const Vel::MSysScript::DialogWidget* second = cells_again[i].widget;
+      if (first->__repr__() != second->__repr__())
+        fail("element prints differently when read back", first->__repr__() + QLatin1Char('\n') + second->__repr__());
+      if (first->__getattr__(QStringLiteral("attributes")) != second->__getattr__(QStringLiteral("attributes")))
+        fail("element attributes changed when read back", first->__repr__());
+      QString first_error;
+      QString second_error;
+      if (first->checkConfiguration(&first_error) != second->checkConfiguration(&second_error) ||
+          first_error != second_error)
+        fail("element check changed when read back", first_error + QLatin1Char('\n') + second_error);
+    }
   } catch (const Vel::MSysScript::Xml::ParseException&) {
     // The expected way for bytes to fail.
   } catch (const std::exception& error) {

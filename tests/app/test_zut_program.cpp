@@ -211,8 +211,6 @@ TEST_F(ZutProgram, EditorToolsPrintBlocksColoursAndPictures)
   EXPECT_EQ(zut({QStringLiteral("blocks"), home.filePath(QStringLiteral("missing.py"))}).status, 1);
 }
 
-// The catalogue of element types is not in the program yet: definitions here hold only empty
-// cells, and an element type is reported as the reader reports any unknown one.
 TEST_F(ZutProgram, LintReportsEachFaultWithFileAndLineAndNormalizesOlderWords)
 {
   const QString good =
@@ -223,7 +221,7 @@ TEST_F(ZutProgram, LintReportsEachFaultWithFileAndLineAndNormalizesOlderWords)
   const QString broken =
       file("broken.xml",
            "<dialog>\n<title>T</title>\n<control id=\"Close\"/>\n<content rows=\"1\" columns=\"1\">\n"
-           "<widget type=\"input::number\" row=\"0\" column=\"0\"/>\n</content>\n</dialog>\n");
+           "<widget type=\"input::gauge\" row=\"0\" column=\"0\"/>\n</content>\n</dialog>\n");
   const QString truncated = file("truncated.xml", "<dialog>\n<title>T</title>\n");
 
   const Result clean = zut({QStringLiteral("lint"), good});
@@ -234,7 +232,7 @@ TEST_F(ZutProgram, LintReportsEachFaultWithFileAndLineAndNormalizesOlderWords)
   EXPECT_EQ(faults.status, 1);
   const QStringList lines = faults.err.split(QLatin1Char('\n'), Qt::SkipEmptyParts);
   ASSERT_EQ(lines.size(), 2) << qPrintable(faults.err);
-  EXPECT_EQ(lines[0], broken + QStringLiteral(":5: The GUI element type \"input::number\" is expected."));
+  EXPECT_EQ(lines[0], broken + QStringLiteral(":5: The GUI element type \"input::gauge\" is expected."));
   EXPECT_TRUE(lines[1].startsWith(truncated + QStringLiteral(":3: Parse error: "))) << qPrintable(lines[1]);
 
   const Result json = zut({QStringLiteral("lint"), QStringLiteral("--json"), broken});
@@ -252,4 +250,41 @@ TEST_F(ZutProgram, LintReportsEachFaultWithFileAndLineAndNormalizesOlderWords)
 
   EXPECT_EQ(zut({QStringLiteral("lint")}).status, 2);
   EXPECT_EQ(zut({QStringLiteral("lint"), QStringLiteral("--normalize"), good, broken}).status, 2);
+}
+
+TEST_F(ZutProgram, ExampleDialogsPassLintAndBareElementsNormalizeToTheirDefaults)
+{
+  const QDir examples(qEnvironmentVariable("ZUT_SOURCE_DIR") + QStringLiteral("/examples/dialogs"));
+  QStringList arguments{QStringLiteral("lint")};
+  for (const QString& name : examples.entryList({QStringLiteral("*.xml")}, QDir::Files, QDir::Name))
+    arguments << examples.filePath(name);
+  ASSERT_GE(arguments.size(), 6);
+  const Result lint = zut(arguments);
+  EXPECT_EQ(lint.status, 0) << qPrintable(lint.err);
+
+  QString cells;
+  const QStringList types{"input::number", "input::integer", "input::string", "input::slider",
+                          "input::checkbox", "input::date", "input::color"};
+  for (int column = 0; column < types.size(); ++column)
+    // A checkbox without a label fails the check, so this one has its label and nothing else.
+    cells += QStringLiteral("<widget type=\"%1\" row=\"0\" column=\"%2\"><name>e%2</name>%3</widget>\n")
+                 .arg(types[column])
+                 .arg(column)
+                 .arg(types[column] == QLatin1String("input::checkbox") ? "<title>Twice</title>" : "");
+  const QString bare = file("bare.xml", QStringLiteral("<dialog><title>T</title><control id=\"Close\"/>\n"
+                                                       "<content rows=\"1\" columns=\"%1\">\n%2</content></dialog>\n")
+                                            .arg(types.size())
+                                            .arg(cells)
+                                            .toUtf8());
+  const Result normalized = zut({QStringLiteral("lint"), QStringLiteral("--normalize"), bare});
+  ASSERT_EQ(normalized.status, 0) << qPrintable(normalized.err);
+  for (const char* expected : {"<minimum>-1.7976931348623157e+308</minimum>", "<maximum>1.7976931348623157e+308</maximum>",
+                               "<precision>2</precision>", "<minimum>-2147483648</minimum>", "<maximum>2147483647</maximum>",
+                               "<read_only>false</read_only>", "<orientation>horizontal</orientation>",
+                               "<minimum>0</minimum>", "<step>1</step>", "<tick_interval>0.1</tick_interval>",
+                               "<use_current_date>true</use_current_date>",
+                               "<show_today_button>true</show_today_button>", "<alpha>255</alpha>",
+                               "<transparency_allowed>false</transparency_allowed>"})
+    EXPECT_TRUE(normalized.out.contains(QString::fromLatin1(expected))) << expected << "\n" << qPrintable(normalized.out);
+  EXPECT_FALSE(normalized.out.contains(QStringLiteral("<unit>")));
 }

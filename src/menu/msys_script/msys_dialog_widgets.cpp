@@ -15,6 +15,7 @@
 #include "gtools/vel_tool_tip_label.h"
 #include "menu/msys_script/VelMSysXmlTools.h"
 #include "menu/msys_script/msys_dialog_controls.h"
+#include "menu/msys_script/msys_dialog_input_widgets.h"
 #include "menu/msys_script/msys_dialog_property.h"
 #include "menu/msys_script/msys_error_codes.h"
 
@@ -273,6 +274,8 @@ void ElementConfiguration::apply(DialogWidget* widget)
 
 void ElementConfiguration::doubleClicked(DialogWidget*) {}
 
+void ElementConfiguration::initializeNew(DialogWidget*) const {}
+
 void ElementConfiguration::slotModified()
 {
   Q_EMIT signalModified();
@@ -364,7 +367,14 @@ void DialogRegistry::initialize()
   if (registry->_initialized)
     return;
   registry->_initialized = true;
-  // Element types: one line each, in the order the editor lists them (none built yet).
+  // Element types: one line each, in the order the editor lists them.
+  registry->addWidgetCreator(new IntegerWidgetCreator("Integer", "input"));
+  registry->addWidgetCreator(new NumberWidgetCreator("Decimal", "input"));
+  registry->addWidgetCreator(new StringWidgetCreator("Text entry field", "input"));
+  registry->addWidgetCreator(new SliderWidgetCreator("Slider", "input"));
+  registry->addWidgetCreator(new CheckboxWidgetCreator("Checkbox", "checkbox"));
+  registry->addWidgetCreator(new DateWidgetCreator("Date", "date"));
+  registry->addWidgetCreator(new ColorWidgetCreator("Color", "input"));
 
   // Control rows, with the headings that structure the editor's list of them.
   registry->addControlCreator(new SeparatorControlCreator(editorText("--- No buttons ---")));

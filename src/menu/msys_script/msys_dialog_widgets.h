@@ -207,6 +207,8 @@ public:
   // the other properties are still applied.
   virtual void apply(DialogWidget* widget);
   virtual void doubleClicked(DialogWidget* widget);
+  // Gives an element that the user has just added its starting values; most types have none.
+  virtual void initializeNew(DialogWidget* widget) const;
 
   const std::vector<Property*>& getProperties() const { return _properties; }
   // The faults of the last apply, one message each.

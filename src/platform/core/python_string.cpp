@@ -2,13 +2,10 @@
 
 namespace Vel {
 
-QString quotePythonString(const QString& text)
+QString escapePythonString(const QString& text, QChar quote)
 {
-  const QChar quote =
-      (text.contains(QLatin1Char('\'')) && !text.contains(QLatin1Char('"'))) ? QLatin1Char('"') : QLatin1Char('\'');
   QString result;
-  result.reserve(text.size() + 2);
-  result += quote;
+  result.reserve(text.size());
   for (const QChar c : text) {
     const ushort u = c.unicode();
     if (c == quote || c == QLatin1Char('\\')) {
@@ -26,8 +23,14 @@ QString quotePythonString(const QString& text)
       result += c;
     }
   }
-  result += quote;
   return result;
+}
+
+QString quotePythonString(const QString& text)
+{
+  const QChar quote =
+      (text.contains(QLatin1Char('\'')) && !text.contains(QLatin1Char('"'))) ? QLatin1Char('"') : QLatin1Char('\'');
+  return quote + escapePythonString(text, quote) + quote;
 }
 
 }  // namespace Vel

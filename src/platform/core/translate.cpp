@@ -6,6 +6,23 @@
 #include <QTranslator>
 
 namespace Vel {
+namespace {
+QString& language()
+{
+  static QString name;
+  return name;
+}
+}  // namespace
+
+QString Translator::getLanguage()
+{
+  return language().isEmpty() ? QLocale().name() : language();
+}
+
+void Translator::setLanguage(const QString& name)
+{
+  language() = name;
+}
 
 QString translate(const char* context, const char* text, const char* key)
 {
@@ -33,6 +50,7 @@ bool installTranslator(const QString& name)
     auto* translator = new QTranslator(QCoreApplication::instance());
     if (translator->load(QLocale(), name, QStringLiteral("_"), folder)) {
       QCoreApplication::installTranslator(translator);
+      Translator::setLanguage(translator->language().replace(QLatin1Char('-'), QLatin1Char('_')));
       return true;
     }
     delete translator;

@@ -18,4 +18,13 @@ VEL_EXPORT bool installTranslator(const QString& name);
 // the program's installation.
 VEL_EXPORT QStringList translationFolders();
 
+// The language the user interface speaks: that of the installed catalogue, else the system's.
+class VEL_EXPORT Translator
+{
+public:
+  // A locale name such as "de_DE".
+  static QString getLanguage();
+  static void setLanguage(const QString& language);
+};
+
 }  // namespace Vel

@@ -28,6 +28,9 @@ public:
   // Decimal digits to add when showing a value in this unit so that it keeps the precision it
   // has in the internal unit (3 for metres against millimetres, -3 for micrometres).
   int getDigitDifference() const { return _digit_difference; }
+  int digitDifferenceToInternal() const { return _digit_difference; }
+  // Lengths; angles and times are not.
+  bool isLinear() const { return _kind == uLength; }
 
   double toInternal(double value) const { return value * _factor; }
   double fromInternal(double value) const { return value / _factor; }

@@ -1,5 +1,8 @@
 #include "gscript/python_values.h"
 
+#include <pybind11/embed.h>
+
+#include <QDate>
 #include <QStringList>
 #include <QVariantList>
 #include <QVariantMap>
@@ -43,6 +46,11 @@ QVariant toVariant(py::handle object)
     }
     return map;
   }
+  if (py::isinstance<Vel::Color>(object))
+    return QVariant::fromValue(object.cast<Vel::Color>());
+  const py::object date_type = py::module_::import("datetime").attr("date");
+  if (PyObject_IsInstance(object.ptr(), date_type.ptr()) == 1)
+    return QDate(object.attr("year").cast<int>(), object.attr("month").cast<int>(), object.attr("day").cast<int>());
   throw py::type_error("cannot pass an object of type '" + std::string(Py_TYPE(object.ptr())->tp_name) +
                        "' to a command");
 }
@@ -53,8 +61,17 @@ py::object fromVariant(const QVariant& value)
     return py::none();
   if (value.typeId() == Trait::fileTypeId())
     return py::str(value.value<Parse::File>().getName().toStdString());
-  if (value.typeId() == qMetaTypeId<Vel::Color>())
-    return py::str(value.value<Vel::Color>().toString().toStdString());
+  if (value.typeId() == qMetaTypeId<Vel::Color>()) {
+    py::module_::import("zut");  // registers zut.Color
+    return py::cast(value.value<Vel::Color>());
+  }
+  if (value.typeId() == QMetaType::QDate) {
+    // An impossible date (April 31) has no Python form.
+    const QDate date = value.toDate();
+    if (!date.isValid())
+      return py::none();
+    return py::module_::import("datetime").attr("date")(date.year(), date.month(), date.day());
+  }
   switch (value.typeId()) {
     case QMetaType::Bool: return py::bool_(value.toBool());
     case QMetaType::Int:

@@ -9,9 +9,11 @@
 namespace Vel::GScript {
 
 // Python objects as command arguments and command results as Python objects. None, bool, int,
-// float, str, list, tuple and dict (with str keys) travel; anything else is refused with a
-// TypeError that names the Python type.
+// float, str, list, tuple, dict (with str keys), zut.Color and datetime.date travel; anything
+// else is refused with a TypeError that names the Python type.
 VEL_EXPORT QVariant toVariant(pybind11::handle object);
 VEL_EXPORT pybind11::object fromVariant(const QVariant& value);
+// Adds zut.Color to the package.
+void registerColorType(pybind11::module_& module);
 
 }  // namespace Vel::GScript

@@ -203,6 +203,7 @@ PYBIND11_EMBEDDED_MODULE(zut, m)
       .def("__call__", &Vel::GScript::call)
       .def("__dir__", &Vel::GScript::names)
       .def("__repr__", [](const CommandNamespace& self) { return "<" + self.path() + ">"; });
+  Vel::GScript::registerColorType(m);
   m.attr("script") = CommandNamespace{std::string(), false};
   m.attr("interactive") = CommandNamespace{std::string(), true};
   m.def("_import_names", &Vel::GScript::importNames);

@@ -69,7 +69,10 @@ TEST(DialogRegistry, ASecondCreatorWithTheSameIdIsAProgrammingError)
   } catch (const Vel::ProgError& error) {
     EXPECT_EQ(error.getMessage(), QStringLiteral("Creator with id 'test::element' already registered"));
   }
-  EXPECT_EQ(registry->getSortedWidgetCreators(Category::Input).size(), 1u);
+  // The standard input types in their order, then the test type; the refused one is not kept.
+  EXPECT_EQ(ids(registry->getSortedWidgetCreators(Category::Input)),
+            QStringList({"input::integer", "input::number", "input::string", "input::slider", "input::checkbox",
+                         "input::date", "input::color", "test::element"}));
 }
 
 TEST(DialogRegistry, DefaultControlIdNeedsAControlRowOrAnExplicitDefault)

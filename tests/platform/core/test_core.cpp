@@ -7,6 +7,7 @@
 
 #include "core/color.h"
 #include "core/error_message_container.h"
+#include "core/parse_date.h"
 #include "core/prog_error.h"
 #include "core/python_string.h"
 #include "core/translate.h"
@@ -106,6 +107,13 @@ TEST(Translate, UsesTheInstalledCatalogueAndFallsBackToEnglish)
             QStringLiteral("Fehler beim Laden des Skripts"));
   EXPECT_EQ(translate("MSysScript_err", "Not in the catalogue", "id=2"), QStringLiteral("Not in the catalogue"));
   EXPECT_FALSE(installTranslator(QStringLiteral("NoSuchCatalogue")));
+  // The catalogue's language is the interface's, and dates are shown in its short format with
+  // the year in full unless the application sets a format of its own.
+  EXPECT_EQ(Translator::getLanguage(), QStringLiteral("de_DE"));
+  EXPECT_EQ(Parse::Date::Format::getDisplayFormat(), QStringLiteral("dd.MM.yyyy"));
+  Parse::Date::Format::setFormat(QStringLiteral("yyyy-MM-dd"));
+  EXPECT_EQ(Parse::Date::Format::getDisplayFormat(), QStringLiteral("yyyy-MM-dd"));
+  Parse::Date::Format::setFormat(QString());
 }
 
 TEST(ProgError, AssertionReportsFunctionFileLineAndExpression)

@@ -1,10 +1,12 @@
 #include <pybind11/embed.h>
 
+#include <QDate>
 #include <QVariant>
 
 #include <gtest/gtest.h>
 #include <vector>
 
+#include "core/color.h"
 #include "gapp/command.h"
 #include "gscript/execute.h"
 #include "gscript/python_interpreter.h"
@@ -156,6 +158,33 @@ TEST_F(GScriptTest, ScriptsCallCommandsWithKeywordsAndGetTheirResults)
   EXPECT_EQ(ok.output, QStringLiteral("{'a': [1, 2.5, None, True]}\nNone\nGrüße\nTrue <zut.script.test>\n"));
 }
 
+// Colours and dates travel as zut.Color and datetime.date, in both directions.
+TEST_F(GScriptTest, ColoursAndDatesCrossIntoPythonAndBack)
+{
+  const RunResult ok = run(QStringLiteral("import zut, datetime\n"
+                                          "c = zut.script.test.echo(value=zut.Color(255, 16, 1, alpha=0))\n"
+                                          "print(repr(c), c.red, c.green, c.blue, c.alpha, c == zut.Color(255, 16, 1, 0))\n"
+                                          "print(repr(zut.Color(1, 2, 3)), len({zut.Color(), zut.Color(0, 0, 0)}))\n"
+                                          "print(repr(zut.script.test.echo(value=datetime.date(2024, 2, 29))))\n"
+                                          "for bad in ((256, 0, 0), (0, -1, 0)):\n"
+                                          "    try:\n"
+                                          "        zut.Color(*bad)\n"
+                                          "    except ValueError as e:\n"
+                                          "        print(e)\n"
+                                          "try:\n"
+                                          "    c.red = 3\n"
+                                          "except AttributeError:\n"
+                                          "    print('read-only')\n"),
+                           QString(), true);
+  ASSERT_TRUE(ok.ok) << qPrintable(ok.log);
+  EXPECT_EQ(ok.output, QStringLiteral("zut.Color ('#ff100100') 255 16 1 0 True\n"
+                                      "zut.Color ('#010203ff') 1\n"
+                                      "datetime.date(2024, 2, 29)\n"
+                                      "red must be between 0 and 255, not 256\n"
+                                      "green must be between 0 and 255, not -1\n"
+                                      "read-only\n"));
+}
+
 TEST_F(GScriptTest, MisuseFromPythonRaisesPythonErrors)
 {
   struct Case
@@ -218,7 +247,9 @@ TEST(PythonValues, RoundTripAndLiterals)
                                1.5,
                                QStringLiteral("ä"),
                                QVariantList{1, QStringLiteral("x")},
-                               QVariantMap{{QStringLiteral("k"), QVariantList{}}}};
+                               QVariantMap{{QStringLiteral("k"), QVariantList{}}},
+                               QVariant::fromValue(Vel::Color(1, 2, 3, 0)),
+                               QDate(2024, 2, 29)};
   for (const QVariant& value : values) {
     const QVariant back = toVariant(fromVariant(value));
     EXPECT_EQ(back, value) << qPrintable(PythonInterpreter::repr(value));

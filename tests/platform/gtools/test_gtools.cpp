@@ -12,6 +12,7 @@
 #include "gtools/file_dialog.h"
 #include "gtools/vel_color_button.h"
 #include "gtools/vel_combo_box.h"
+#include "gtools/vel_slider.h"
 #include "gtools/vel_spin.h"
 #include "gtools/vel_tool_tip_label.h"
 
@@ -43,6 +44,41 @@ TEST(VelSpin, ClampsToItsLimitsAndKeepsTheValueInTheInternalUnit)
   spin.resetUnit();
   EXPECT_EQ(spin.getUnit(), nullptr);
   EXPECT_NEAR(spin.spinBox()->value(), 50.8, 1e-9);
+}
+
+struct SliderCase
+{
+  double minimum, maximum, set, expected;
+  unsigned digits;
+  bool ticks;
+};
+
+// The value is kept as a double; the integer positions only show it, even for the full range.
+TEST(VelSlider, KeepsItsDoubleValueOverAnyRange)
+{
+  const double huge = std::numeric_limits<double>::max();
+  for (const SliderCase& c : {SliderCase{0, 10, 3.14159, 3.14, 2, true}, SliderCase{0, 10, 99, 10, 2, true},
+                              SliderCase{-huge, huge, 1e300, 1e300, 2, false}, SliderCase{0, huge, -5, 0, 2, false},
+                              SliderCase{10, 0, 5.5, 5.5, 1, true}}) {
+    Vel_Slider slider;
+    slider.setDigits(c.digits);
+    slider.setMinValue(c.minimum);
+    slider.setMaxValue(c.maximum);
+    slider.setTickInterval(1.0);
+    slider.setValue(c.set);
+    EXPECT_DOUBLE_EQ(slider.value(), c.expected) << c.set;
+    EXPECT_LE(slider.maximum(), 1000000);
+    EXPECT_EQ(slider.tickPosition() != QSlider::NoTicks, c.ticks) << c.maximum;
+  }
+  // The user moves it by its positions; the signal carries the value.
+  Vel_Slider slider;
+  slider.setMaxValue(10);
+  slider.setLineStep(0.5);
+  QSignalSpy changed(&slider, &Vel_Slider::valueChanged);
+  slider.triggerAction(QAbstractSlider::SliderSingleStepAdd);
+  ASSERT_EQ(changed.count(), 1);
+  EXPECT_DOUBLE_EQ(changed[0][0].toDouble(), 0.5);
+  EXPECT_EQ(slider.valueText(), QStringLiteral("0.50"));
 }
 
 TEST(VelColorButton, TransparencyOnlyWhenCheckable)

@@ -1,0 +1,528 @@
+#include <QCheckBox>
+#include <QDateEdit>
+#include <QDomDocument>
+#include <QDoubleSpinBox>
+#include <QLineEdit>
+#include <QPainter>
+#include <QPushButton>
+#include <QSignalSpy>
+#include <QTemporaryDir>
+#include <QTest>
+
+#include <gtest/gtest.h>
+#include <optional>
+
+#include "cfg/cfg.h"
+#include "core/color.h"
+#include "dialog_test_element.h"
+#include "gtools/vel_color_button.h"
+#include "gtools/vel_slider.h"
+#include "gtools/vel_spin.h"
+#include "menu/msys_script/msys_config.h"
+#include "menu/msys_script/msys_dialog_input_widgets.h"
+#include "menu/msys_script/msys_dialog_styles.h"
+
+using namespace Vel::MSysScript;
+
+namespace {
+
+std::unique_ptr<DialogWidget> create(const QString& type)
+{
+  const DialogWidgetCreator* creator = TestElement::registryWithTestElement()->getWidgetCreator(type);
+  if (!creator)
+    throw std::runtime_error("unknown type " + type.toStdString());
+  return std::unique_ptr<DialogWidget>(creator->createWidget());
+}
+
+void parse(DialogWidget* widget, const QString& tags)
+{
+  QDomDocument document;
+  const QString text = QStringLiteral("<widget type=\"%1\">\n<name>n</name>%2</widget>").arg(widget->getCreatorId(), tags);
+  if (!document.setContent(text))
+    throw std::runtime_error("bad test XML: " + text.toStdString());
+  widget->parseXml(document.documentElement());
+}
+
+std::unique_ptr<DialogWidget> parsed(const QString& type, const QString& tags)
+{
+  std::unique_ptr<DialogWidget> widget = create(type);
+  parse(widget.get(), tags);
+  return widget;
+}
+
+QString xmlOf(const DialogWidget* widget)
+{
+  QDomDocument document;
+  QDomElement element = document.createElement(QStringLiteral("widget"));
+  widget->createXml(&document, &element);
+  document.appendChild(element);
+  return document.toString();
+}
+
+const QString TODAY = QDate::currentDate().toString();
+
+// ---------------------------------------------------------------------------------------------
+// For each type: a definition with every tag, what it prints, and what the same element prints
+// after a definition without tags (a missing tag is its default, not what was there before).
+
+struct TagCase
+{
+  const char* type;
+  const char* tags;
+  QString full;
+  QString bare;
+};
+
+class InputTags : public ::testing::TestWithParam<TagCase>
+{};
+
+TEST_P(InputTags, ReadPrintWriteAndDefaults)
+{
+  const TagCase& c = GetParam();
+  std::unique_ptr<DialogWidget> widget = parsed(QString::fromLatin1(c.type), QString::fromUtf8(c.tags));
+  EXPECT_EQ(widget->__repr__(), c.full);
+
+  // What is written reads back as the same element and is written the same again.
+  const QString written = xmlOf(widget.get());
+  QDomDocument document;
+  ASSERT_TRUE(document.setContent(written));
+  std::unique_ptr<DialogWidget> again = create(QString::fromLatin1(c.type));
+  again->parseXml(document.documentElement());
+  EXPECT_EQ(again->__repr__(), c.full);
+  EXPECT_EQ(xmlOf(again.get()), written);
+
+  parse(widget.get(), QString());
+  EXPECT_EQ(widget->__repr__(), c.bare);
+}
+
+INSTANTIATE_TEST_SUITE_P(
+    Types, InputTags,
+    ::testing::Values(
+        TagCase{"input::number",
+                "<value>2.5</value><minimum>-10</minimum><maximum>1e6</maximum><precision>3</precision>"
+                "<unit>cm</unit><background_style>background-color: yellow</background_style>",
+                "zut.dialog.NumberWidget (name='n', value=2.5, minimum=-10, maximum=1e+06, precision=3, unit='cm')",
+                "zut.dialog.NumberWidget (name='n', value=0, minimum=-1.79769e+308, maximum=1.79769e+308, "
+                "precision=2)"},
+        TagCase{"input::integer", "<value>-7</value><minimum>-100</minimum><maximum>100</maximum>",
+                "zut.dialog.IntegerWidget (name='n', value=-7, minimum=-100, maximum=100)",
+                "zut.dialog.IntegerWidget (name='n', value=0, minimum=-2147483648, maximum=2147483647)"},
+        TagCase{"input::string", "<value>it's %1 \\ ok</value><read_only>true</read_only>",
+                "zut.dialog.StringWidget (name='n', value='it\\'s %1 \\\\ ok', read_only=True)",
+                "zut.dialog.StringWidget (name='n', value='', read_only=False)"},
+        TagCase{"input::slider",
+                "<orientation>vertical</orientation><value>0.25</value><minimum>-1</minimum><maximum>1</maximum>"
+                "<precision>2</precision><step>0.05</step><tick_interval>0.5</tick_interval>",
+                "zut.dialog.SliderWidget (name='n', value=0.25, minimum=-1, maximum=1, precision=2, step=0.05, "
+                "tick_interval=0.5, orientation=vertical)",
+                "zut.dialog.SliderWidget (name='n', value=0, minimum=0, maximum=1.79769e+308, precision=2, step=1, "
+                "tick_interval=0.1, orientation=horizontal)"},
+        // The title holds a place marker: the out-of-order places are filled at once.
+        TagCase{"input::checkbox", "<value>true</value><title>Use %2 probe</title>",
+                "zut.dialog.CheckboxWidget (name='n', title='Use %2 probe', value=True)",
+                "zut.dialog.CheckboxWidget (name='n', title='', value=False)"},
+        TagCase{"input::color",
+                "<transparency_allowed>true</transparency_allowed>"
+                "<color><red>255</red><green>16</green><blue>1</blue><alpha>0</alpha></color>",
+                "zut.dialog.ColorWidget (name='n', value=zut.Color ('#ff100100'))",
+                "zut.dialog.ColorWidget (name='n', value=zut.Color ('#000000ff'))"},
+        TagCase{"input::date",
+                "<use_current_date>false</use_current_date><show_today_button>false</show_today_button>"
+                "<default_date><year>2024</year><month>2</month><day>29</day></default_date>",
+                "zut.dialog.DateWidget (name='n', value='Thu Feb 29 2024')",
+                QStringLiteral("zut.dialog.DateWidget (name='n', value='%1')").arg(TODAY)}));
+
+TEST(InputWidgets, ColorStartsTransparentOnlyWhereTransparencyIsAllowed)
+{
+  const char* transparent = "<color><red>1</red><green>2</green><blue>3</blue><alpha>0</alpha></color>";
+  auto allowed = parsed(QStringLiteral("input::color"),
+                        QStringLiteral("<transparency_allowed>true</transparency_allowed>%1").arg(transparent));
+  EXPECT_TRUE(static_cast<ColorWidget*>(allowed.get())->button()->checked());
+  auto refused = parsed(QStringLiteral("input::color"), QString::fromLatin1(transparent));
+  EXPECT_FALSE(static_cast<ColorWidget*>(refused.get())->button()->checked());
+  EXPECT_TRUE(refused->__repr__().endsWith(QStringLiteral("#010203ff'))")));
+}
+
+TEST(InputWidgets, DateTagsDecideTheShownDateAndTheTodayButton)
+{
+  auto widget = parsed(QStringLiteral("input::date"),
+                       QStringLiteral("<show_today_button>false</show_today_button>"
+                                      "<default_date><year>2001</year><month>5</month><day>6</day></default_date>"));
+  auto* date = static_cast<DateWidget*>(widget.get());
+  EXPECT_EQ(date->getDate(), QDate::currentDate());  // use_current_date defaults to true
+  EXPECT_TRUE(date->todayButton()->isHidden());
+  widget->__setattr__(QStringLiteral("use_current_date"), false);
+  EXPECT_EQ(date->getDate(), QDate(2001, 5, 6));
+  QTest::mouseClick(date->todayButton(), Qt::LeftButton);
+  EXPECT_EQ(date->getDate(), QDate::currentDate());
+}
+
+// ---------------------------------------------------------------------------------------------
+// What a script writes reaches the inner control and reads back; a refused value changes nothing.
+
+struct AttributeCase
+{
+  const char* type;
+  const char* attribute;
+  QVariant written;
+  std::optional<QVariant> read;  // none: reads back as written
+};
+
+class InputAttributes : public ::testing::TestWithParam<AttributeCase>
+{};
+
+TEST_P(InputAttributes, WriteAndReadBack)
+{
+  const AttributeCase& c = GetParam();
+  std::unique_ptr<DialogWidget> widget = parsed(QString::fromLatin1(c.type), QString());
+  QSignalSpy modified(widget.get(), &DialogWidget::signalModified);
+  widget->__setattr__(QString::fromLatin1(c.attribute), c.written);
+  const QVariant expected = c.read.value_or(c.written);
+  EXPECT_EQ(widget->__getattr__(QString::fromLatin1(c.attribute)), expected) << c.attribute;
+}
+
+const Vel::Color TEAL(0, 128, 128, 255);
+
+INSTANTIATE_TEST_SUITE_P(
+    Types, InputAttributes,
+    ::testing::Values(AttributeCase{"input::number", "value", 12.345, 12.35},  // rounded to the precision
+                      AttributeCase{"input::number", "maximum", 5, 5.0},
+                      AttributeCase{"input::number", "precision", 4},
+                      AttributeCase{"input::number", "unit", QStringLiteral("inch")},
+                      AttributeCase{"input::number", "unit", QString(), QVariant()},
+                      AttributeCase{"input::number", "background_style", QStringLiteral("background-color: red")},
+                      AttributeCase{"input::integer", "value", 42}, AttributeCase{"input::integer", "minimum", -3},
+                      AttributeCase{"input::string", "value", QStringLiteral("probe 7")},
+                      AttributeCase{"input::string", "read_only", true},
+                      AttributeCase{"input::slider", "value", 3.5}, AttributeCase{"input::slider", "step", 0.5},
+                      AttributeCase{"input::slider", "tick_interval", 2.0},
+                      AttributeCase{"input::slider", "orientation", QStringLiteral("vertical")},
+                      AttributeCase{"input::checkbox", "value", true},
+                      AttributeCase{"input::checkbox", "title", QStringLiteral("Save")},
+                      AttributeCase{"input::color", "value", QVariant::fromValue(TEAL)},
+                      AttributeCase{"input::color", "color", QVariant::fromValue(TEAL)},
+                      AttributeCase{"input::color", "transparency_allowed", true},
+                      AttributeCase{"input::date", "value", QDate(2020, 1, 31)},
+                      AttributeCase{"input::date", "default_date", QDate(1999, 12, 31)},
+                      AttributeCase{"input::date", "year", 2031},
+                      AttributeCase{"input::date", "show_today_button", false}));
+
+TEST(InputWidgets, NumberValueIsClampedByTheSpin)
+{
+  auto widget = parsed(QStringLiteral("input::number"), QStringLiteral("<minimum>0</minimum><maximum>10</maximum>"));
+  widget->__setattr__(QStringLiteral("value"), 99.0);
+  EXPECT_EQ(widget->getValue(), 10.0);
+}
+
+struct RefusalCase
+{
+  const char* type;
+  const char* attribute;
+  QVariant value;
+  const char* message;
+};
+
+class InputRefusals : public ::testing::TestWithParam<RefusalCase>
+{};
+
+TEST_P(InputRefusals, LeaveTheElementAsItWas)
+{
+  const RefusalCase& c = GetParam();
+  std::unique_ptr<DialogWidget> widget = parsed(QString::fromLatin1(c.type), QString());
+  const QString before = xmlOf(widget.get());
+  try {
+    widget->__setattr__(QString::fromLatin1(c.attribute), c.value);
+    FAIL() << "taken: " << c.attribute;
+  } catch (const Vel::ScriptTypeException& error) {
+    EXPECT_EQ(error.getMessage(), QString::fromUtf8(c.message));
+  }
+  EXPECT_EQ(xmlOf(widget.get()), before);
+}
+
+const char* WRONG_TYPE = "The value has not the expected type.";
+
+INSTANTIATE_TEST_SUITE_P(
+    Types, InputRefusals,
+    ::testing::Values(RefusalCase{"input::number", "unit", QStringLiteral("furlong"), "Invalid unit \"furlong\""},
+                      RefusalCase{"input::number", "value", QStringLiteral("3"), WRONG_TYPE},
+                      RefusalCase{"input::number", "value", std::numeric_limits<double>::quiet_NaN(), WRONG_TYPE},
+                      RefusalCase{"input::integer", "value", 2.5, WRONG_TYPE},
+                      RefusalCase{"input::integer", "maximum", qlonglong(1) << 40, WRONG_TYPE},
+                      RefusalCase{"input::string", "value", 5, WRONG_TYPE},
+                      RefusalCase{"input::slider", "orientation", QStringLiteral("Vertical"),
+                                  "The slider position \"Vertical\" is invalid."},
+                      RefusalCase{"input::checkbox", "title", QVariant(), WRONG_TYPE},
+                      RefusalCase{"input::color", "value", QStringLiteral("#ff0000"), WRONG_TYPE},
+                      RefusalCase{"input::color", "color", 0xff0000, WRONG_TYPE},
+                      RefusalCase{"input::date", "value", QStringLiteral("2020-01-01"), WRONG_TYPE},
+                      RefusalCase{"input::date", "default_date", QDate(2021, 4, 31), WRONG_TYPE},
+                      RefusalCase{"input::date", "volume", 3, "The object has no writeable attribute \"volume\"."}));
+
+TEST(InputWidgets, AnImpossibleDateStaysAsSet)
+{
+  auto widget = parsed(QStringLiteral("input::date"), QString());
+  widget->__setattr__(QStringLiteral("value"), QDate(2025, 4, 30));
+  widget->__setattr__(QStringLiteral("day"), 31);
+  EXPECT_FALSE(widget->getValue().toDate().isValid());
+  EXPECT_EQ(widget->__getattr__(QStringLiteral("day")), 31);
+  EXPECT_EQ(widget->__repr__(), QStringLiteral("zut.dialog.DateWidget (name='n', value='')"));
+  EXPECT_EQ(static_cast<DateWidget*>(widget.get())->dateEdit()->text(), QStringLiteral("Invalid date"));
+  widget->__setattr__(QStringLiteral("month"), 5);
+  EXPECT_EQ(widget->getValue().toDate(), QDate(2025, 5, 31));
+}
+
+// ---------------------------------------------------------------------------------------------
+
+struct CheckCase
+{
+  const char* type;
+  const char* tags;
+  const char* error;  // empty: the element is fine
+};
+
+class InputChecks : public ::testing::TestWithParam<CheckCase>
+{};
+
+TEST_P(InputChecks, ReportEqualLimitsAndMissingLabels)
+{
+  const CheckCase& c = GetParam();
+  auto widget = parsed(QString::fromLatin1(c.type), QString::fromLatin1(c.tags));
+  QString error;
+  EXPECT_EQ(widget->checkConfiguration(&error), *c.error == 0);
+  EXPECT_EQ(error, QString::fromLatin1(c.error));
+}
+
+INSTANTIATE_TEST_SUITE_P(
+    Types, InputChecks,
+    ::testing::Values(
+        CheckCase{"input::number", "<minimum>0</minimum><maximum>1e-60</maximum>",
+                  "For object \"n\" all values are zero."},
+        CheckCase{"input::number", "<minimum>1e6</minimum><maximum>1000000.0000001</maximum>",
+                  "For object \"n\" all values are zero."},
+        CheckCase{"input::number", "<minimum>1</minimum><maximum>1.000001</maximum>", ""},
+        CheckCase{"input::number", "<minimum>0</minimum><maximum>1e-40</maximum>", ""},
+        CheckCase{"input::integer", "<minimum>5</minimum><maximum>5</maximum>", "For object \"n\" all values are zero."},
+        CheckCase{"input::integer", "", ""},
+        CheckCase{"input::slider", "<minimum>2</minimum><maximum>2</maximum>",
+                  "For object \"n\" the value range is zero."},
+        CheckCase{"input::slider", "", ""},
+        CheckCase{"input::checkbox", "<title> \t</title>", "Element \"n\" does not has a labeling."},
+        CheckCase{"input::checkbox", "<title>Save</title>", ""}));
+
+TEST(InputWidgets, ANamelessElementFailsTheBaseCheckFirst)
+{
+  auto widget = parsed(QStringLiteral("input::checkbox"), QString());
+  widget->setName(QString());
+  QString error;
+  EXPECT_FALSE(widget->checkConfiguration(&error));
+  EXPECT_EQ(error, QStringLiteral("The name for the GUI element is missing."));
+}
+
+// ---------------------------------------------------------------------------------------------
+
+TEST(InputWidgets, AttributeRowsFollowTheBaseInTableOrder)
+{
+  const std::vector<std::pair<const char*, QStringList>> cases = {
+      {"input::number", {"minimum", "maximum", "precision", "unit", "background_style"}},
+      {"input::integer", {"minimum", "maximum"}},
+      {"input::string", {"read_only"}},
+      {"input::slider", {"minimum", "maximum", "precision", "step", "tick_interval", "orientation"}},
+      {"input::checkbox", {"title"}},
+      {"input::color", {"color", "transparency_allowed"}},
+      {"input::date", {"year", "month", "day", "use_current_date", "default_date", "show_today_button"}},
+  };
+  for (const auto& [type, own] : cases) {
+    const QStringList lines = create(QString::fromLatin1(type))->__doc__().split(QLatin1Char('\n'));
+    QStringList names;
+    for (const QString& line : lines.mid(2))
+      names << line.section(QLatin1Char(' '), 0, 0);
+    EXPECT_EQ(names.mid(names.size() - own.size()), own) << type;
+    EXPECT_EQ(names.mid(0, 6), QStringList({"name", "value", "tooltip", "enabled", "focus", "attributes"})) << type;
+  }
+  EXPECT_TRUE(create(QStringLiteral("input::slider"))->__doc__().contains(
+      QStringLiteral("step float - Amount of increase/decrease with each step")));
+  EXPECT_TRUE(create(QStringLiteral("input::color"))->__doc__().contains(QStringLiteral("value zut.Color - ")));
+}
+
+// A person's edits reach the element's change signal; scripts and definitions use the same path.
+TEST(InputWidgets, UserEditsAreReportedAsModifications)
+{
+  const std::vector<std::pair<const char*, std::function<void(DialogWidget*)>>> cases = {
+      {"input::number", [](DialogWidget* w) {
+         QTest::keyClick(static_cast<NumberWidget*>(w)->spin()->spinBox(), Qt::Key_Up);
+       }},
+      {"input::integer", [](DialogWidget* w) {
+         QTest::keyClick(static_cast<IntegerWidget*>(w)->spin()->spinBox(), Qt::Key_Up);
+       }},
+      {"input::string", [](DialogWidget* w) { QTest::keyClicks(static_cast<StringWidget*>(w)->edit(), "ab"); }},
+      {"input::slider", [](DialogWidget* w) {
+         w->__setattr__(QStringLiteral("maximum"), 10);
+         QTest::keyClick(static_cast<SliderWidget*>(w)->slider(), Qt::Key_Right);
+       }},
+      {"input::checkbox", [](DialogWidget* w) {
+         QTest::mouseClick(static_cast<CheckboxWidget*>(w)->checkBox(), Qt::LeftButton);
+       }},
+      {"input::color", [](DialogWidget* w) { static_cast<ColorWidget*>(w)->button()->setColor(TEAL); }},
+      {"input::date", [](DialogWidget* w) {
+         QDateEdit* edit = static_cast<DateWidget*>(w)->dateEdit();
+         edit->setFocus();
+         edit->setCurrentSection(QDateTimeEdit::DaySection);
+         QTest::keyClick(edit, Qt::Key_Down);
+       }},
+  };
+  for (const auto& [type, edit] : cases) {
+    auto widget = parsed(QString::fromLatin1(type), QString());
+    widget->show();
+    QSignalSpy modified(widget.get(), &DialogWidget::signalModified);
+    edit(widget.get());
+    EXPECT_GE(modified.count(), 1) << type;
+  }
+}
+
+// ---------------------------------------------------------------------------------------------
+
+TEST(InputConfiguration, ApplyTakesNewLimitsBeforeTheValue)
+{
+  auto widget = parsed(QStringLiteral("input::number"), QStringLiteral("<minimum>0</minimum><maximum>10</maximum>"));
+  std::unique_ptr<ElementConfiguration> panel(
+      TestElement::registryWithTestElement()->getWidgetCreator(QStringLiteral("input::number"))->createConfiguration(nullptr));
+  panel->setup(widget.get());
+  for (Property* property : panel->getProperties()) {
+    if (property->getKey() == QLatin1String("minimum"))
+      property->setValue(100.0);
+    if (property->getKey() == QLatin1String("maximum"))
+      property->setValue(200.0);
+    if (property->getKey() == QLatin1String("value"))
+      property->setValue(150.0);
+  }
+  panel->apply(widget.get());
+  EXPECT_TRUE(panel->getApplyErrors().isEmpty());
+  EXPECT_EQ(widget->__repr__(),
+            QStringLiteral("zut.dialog.NumberWidget (name='n', value=150, minimum=100, maximum=200, precision=2)"));
+}
+
+TEST(InputConfiguration, PanelsListTheirFieldsUnderTheirTitle)
+{
+  const std::vector<std::pair<const char*, QStringList>> cases = {
+      {"input::number", {"Decimal", "Default", "Minimum", "Maximum", "No. of decimals", "Unit"}},
+      {"input::integer", {"Integer", "Default", "Minimum", "Maximum"}},
+      {"input::string", {"Text entry field", "Default", "Read-only"}},
+      {"input::slider",
+       {"Slider", "Position", "Default value", "Minimum", "Maximum", "No. of decimals", "Step size", "Ticks"}},
+      {"input::checkbox", {"Checkbox", "Labeling", "Default status"}},
+      {"input::color", {"Color", "Allow transparency"}},
+      {"input::date", {"Date", "Use current date", "Show \"Today\" button", "Default date"}},
+  };
+  for (const auto& [type, labels] : cases) {
+    std::unique_ptr<ElementConfiguration> panel(
+        TestElement::registryWithTestElement()->getWidgetCreator(QString::fromLatin1(type))->createConfiguration(nullptr));
+    QStringList names;
+    for (const Property* property : panel->getProperties())
+      names << property->getName();
+    EXPECT_EQ(names.mid(3), labels) << type;  // after the common name and tooltip block
+    // Every field maps to an attribute the element answers.
+    auto widget = create(QString::fromLatin1(type));
+    panel->setup(widget.get());
+    panel->apply(widget.get());
+    EXPECT_TRUE(panel->getApplyErrors().isEmpty()) << type << panel->getApplyErrors().join('\n').toStdString();
+  }
+}
+
+TEST(InputConfiguration, NewElementsTakeTheUsersStartingValues)
+{
+  QTemporaryDir dir;
+  Vel::Cfg cfg(dir.filePath(QStringLiteral("config.json")));
+  declareConfiguration(cfg.root());
+  setConfigurationRoot(cfg.root());
+  cfg.root()->setValue(QString::fromLatin1(CFG_NUMBER_WIDGET_DEFAULT), 3.0);
+  cfg.root()->setValue(QString::fromLatin1(CFG_NUMBER_WIDGET_MINIMUM), 1.0);
+  cfg.root()->setValue(QString::fromLatin1(CFG_NUMBER_WIDGET_MAXIMUM), 5.0);
+  cfg.root()->setValue(QString::fromLatin1(CFG_NUMBER_WIDGET_PRECISION), 1);
+  cfg.root()->setValue(QString::fromLatin1(CFG_INTEGER_WIDGET_MINIMUM), -4.0);
+  cfg.root()->setValue(QString::fromLatin1(CFG_SLIDER_WIDGET_TICK_INTERVAL), 5.0);
+  const std::vector<std::pair<const char*, QString>> cases = {
+      {"input::number", "zut.dialog.NumberWidget (name='', value=3, minimum=1, maximum=5, precision=1)"},
+      {"input::integer", "zut.dialog.IntegerWidget (name='', value=0, minimum=-4, maximum=1000)"},
+      {"input::slider", "zut.dialog.SliderWidget (name='', value=0, minimum=0, maximum=100, precision=2, step=1, "
+                        "tick_interval=5, orientation=horizontal)"},
+  };
+  for (const auto& [type, printed] : cases) {
+    const DialogWidgetCreator* creator = TestElement::registryWithTestElement()->getWidgetCreator(QString::fromLatin1(type));
+    std::unique_ptr<DialogWidget> widget(creator->createWidget());
+    std::unique_ptr<ElementConfiguration> panel(creator->createConfiguration(nullptr));
+    panel->initializeNew(widget.get());
+    EXPECT_EQ(widget->__repr__(), printed);
+  }
+  setConfigurationRoot(nullptr);
+}
+
+// ---------------------------------------------------------------------------------------------
+
+// With ZUT_TEST_SCREENSHOTS set, every registered element type is kept as a picture, plain and in
+// the touch screen style, laid out as a grid cell holds it.
+TEST(ElementPictures, EveryTypeRendersInBothStyles)
+{
+  const QString folder = qEnvironmentVariable("ZUT_TEST_SCREENSHOTS");
+  DialogRegistry* registry = TestElement::registryWithTestElement();
+  const std::map<QString, QString> samples = {
+      {QStringLiteral("input::number"), QStringLiteral("<value>12.5</value><unit>mm</unit>")},
+      {QStringLiteral("input::integer"), QStringLiteral("<value>42</value><minimum>0</minimum><maximum>100</maximum>")},
+      {QStringLiteral("input::string"), QStringLiteral("<value>Bore 7</value>")},
+      {QStringLiteral("input::slider"), QStringLiteral("<value>40</value><maximum>100</maximum><tick_interval>10</tick_interval>")},
+      {QStringLiteral("input::checkbox"), QStringLiteral("<title>Measure twice</title><value>true</value>")},
+      {QStringLiteral("input::color"), QStringLiteral("<color><red>0</red><green>128</green><blue>128</blue><alpha>255</alpha></color>")},
+  };
+  std::vector<QPixmap> sheet;
+  for (auto pos = registry->getWidgetCreatorBegin(); pos != registry->getWidgetCreatorEnd(); ++pos) {
+    std::unique_ptr<DialogWidget> widget(pos->second->createWidget());
+    const auto sample = samples.find(pos->first);
+    parse(widget.get(), sample == samples.end() ? QString() : sample->second);
+    for (const char* style : {"Standard", "Touch screen"}) {
+      DialogStyleWidget cell;
+      cell.setStyleSheet(DialogStyleDatabase::findStyle(QString::fromLatin1(style))->getStyleSheet());
+      widget->setParent(&cell);
+      // The style's sizes count only once the style sheet has reached the element.
+      cell.ensurePolished();
+      widget->ensurePolished();
+      for (QWidget* child : widget->findChildren<QWidget*>())
+        child->ensurePolished();
+      const QSize hint = widget->sizeHint().expandedTo(widget->minimumSizeHint());
+      // A cell of a usual dialog column; an element must fit it without clipping.
+      const int width = std::max(hint.width(), 260);
+      widget->setGeometry(8, 8, width, hint.height());
+      cell.resize(width + 16, hint.height() + 16);
+      cell.show();
+      EXPECT_LE(widget->minimumSizeHint().width(), width) << pos->first.toStdString();
+      if (!folder.isEmpty()) {
+        QString name = pos->first;
+        name.replace(QStringLiteral("::"), QStringLiteral("_"));
+        const QPixmap picture = cell.grab();
+        picture.save(QStringLiteral("%1/element_%2%3.png").arg(folder, name, *style == 'T' ? "_touch" : ""));
+        sheet.push_back(picture);
+      }
+      widget->setParent(nullptr);
+    }
+  }
+  // All of them on one sheet, a type a row, plain beside touch screen.
+  if (!folder.isEmpty()) {
+    int width = 0;
+    int height = 0;
+    for (size_t i = 0; i + 1 < sheet.size(); i += 2) {
+      width = std::max(width, sheet[i].width() + sheet[i + 1].width());
+      height += std::max(sheet[i].height(), sheet[i + 1].height());
+    }
+    QPixmap all(width, height);
+    all.fill(Qt::white);
+    QPainter painter(&all);
+    int y = 0;
+    for (size_t i = 0; i + 1 < sheet.size(); i += 2) {
+      painter.drawPixmap(0, y, sheet[i]);
+      painter.drawPixmap(sheet[i].width(), y, sheet[i + 1]);
+      y += std::max(sheet[i].height(), sheet[i + 1].height());
+    }
+    painter.end();
+    all.save(folder + QStringLiteral("/elements.png"));
+  }
+}
+
+}  // namespace
