@@ -6,6 +6,8 @@
 #include <QProcess>
 #include <QTemporaryDir>
 
+#include <map>
+
 #include <gtest/gtest.h>
 
 #include "test_util.h"
@@ -218,28 +220,47 @@ TEST_F(ZutProgram, LintReportsEachFaultWithFileAndLineAndNormalizesOlderWords)
            "<dialog><title>T</title><control id=\"Close\"/><embedding>embedded</embedding>\n"
            "<content rows=\"1\" columns=\"2\"><widget type=\"empty\" row=\"0\" column=\"1\"/></content>"
            "</dialog>\n");
-  const QString broken =
-      file("broken.xml",
-           "<dialog>\n<title>T</title>\n<control id=\"Close\"/>\n<content rows=\"1\" columns=\"1\">\n"
-           "<widget type=\"input::gauge\" row=\"0\" column=\"0\"/>\n</content>\n</dialog>\n");
+  // One fault of each kind: each is reported at its own line, the later ones despite the earlier.
+  const QString broken = file(
+      "broken.xml",
+      "<dialog>\n<title>T</title>\n<control id=\"Close\"/>\n<position>middle</position>\n"
+      "<content rows=\"1\" columns=\"4\">\n"
+      "<widget type=\"input::gauge\" row=\"0\" column=\"0\"/>\n"
+      "<widget type=\"button::pushbutton\" row=\"0\" column=\"1\"><name>b</name>\n<type>Toggle</type></widget>\n"
+      "<widget type=\"input::checkbox\" row=\"0\" column=\"2\"><name>c</name></widget>\n"
+      "<widget type=\"input::string\" row=\"0\" column=\"3\"><name>c</name></widget>\n"
+      "</content>\n</dialog>\n");
   const QString truncated = file("truncated.xml", "<dialog>\n<title>T</title>\n");
+  // Nesting far beyond any dialog is refused at once, not after the parser has worked through it.
+  QByteArray deep = "<dialog>\n";
+  for (int level = 0; level < 100000; ++level)
+    deep += "<a>";
+  const QString nested = file("nested.xml", deep);
 
   const Result clean = zut({QStringLiteral("lint"), good});
   EXPECT_EQ(clean.status, 0) << qPrintable(clean.err);
   EXPECT_EQ(clean.out, QString());
 
-  const Result faults = zut({QStringLiteral("lint"), good, broken, truncated});
+  const Result faults = zut({QStringLiteral("lint"), good, broken, truncated, nested});
   EXPECT_EQ(faults.status, 1);
   const QStringList lines = faults.err.split(QLatin1Char('\n'), Qt::SkipEmptyParts);
-  ASSERT_EQ(lines.size(), 2) << qPrintable(faults.err);
-  EXPECT_EQ(lines[0], broken + QStringLiteral(":5: The GUI element type \"input::gauge\" is expected."));
-  EXPECT_TRUE(lines[1].startsWith(truncated + QStringLiteral(":3: Parse error: "))) << qPrintable(lines[1]);
+  const QStringList expected = {
+      broken + QStringLiteral(":4: The type \"middle\" is invalid for tag \"position\"."),
+      broken + QStringLiteral(":6: The GUI element type \"input::gauge\" is expected."),
+      broken + QStringLiteral(":8: The button type \"Toggle\" is invalid."),
+      broken + QStringLiteral(":9: Element \"c\" does not has a labeling."),
+      broken + QStringLiteral(":10: The name \"c\" of the GUI element exists twice."),
+  };
+  ASSERT_EQ(lines.size(), expected.size() + 2) << qPrintable(faults.err);
+  EXPECT_EQ(lines.mid(0, expected.size()), expected);
+  EXPECT_TRUE(lines[5].startsWith(truncated + QStringLiteral(":3: Parse error: "))) << qPrintable(lines[5]);
+  EXPECT_EQ(lines[6], nested + QStringLiteral(":2: Parse error: elements are nested deeper than 256 levels"));
 
   const Result json = zut({QStringLiteral("lint"), QStringLiteral("--json"), broken});
   EXPECT_EQ(json.status, 1);
   const QJsonArray list = QJsonDocument::fromJson(json.out.toUtf8()).array();
-  ASSERT_EQ(list.size(), 1) << qPrintable(json.out);
-  EXPECT_EQ(list[0].toObject().value(QStringLiteral("line")).toInt(), 5);
+  ASSERT_EQ(list.size(), expected.size()) << qPrintable(json.out);
+  EXPECT_EQ(list[1].toObject().value(QStringLiteral("line")).toInt(), 6);
 
   const Result normalized = zut({QStringLiteral("lint"), QStringLiteral("--normalize"), good});
   ASSERT_EQ(normalized.status, 0) << qPrintable(normalized.err);
@@ -263,14 +284,17 @@ TEST_F(ZutProgram, ExampleDialogsPassLintAndBareElementsNormalizeToTheirDefaults
   EXPECT_EQ(lint.status, 0) << qPrintable(lint.err);
 
   QString cells;
-  const QStringList types{"input::number", "input::integer", "input::string", "input::slider",
-                          "input::checkbox", "input::date", "input::color"};
+  const QStringList types{"input::number", "input::integer",  "input::string",      "input::slider",
+                          "input::checkbox", "input::date", "input::color", "button::pushbutton", "button::abort"};
+  // A checkbox without a label and a push button without a text fail the check, so these two
+  // have the one tag they need and nothing else.
+  const std::map<QString, QString> needed = {{QStringLiteral("input::checkbox"), QStringLiteral("<title>Twice</title>")},
+                                             {QStringLiteral("button::pushbutton"), QStringLiteral("<text>Go</text>")}};
   for (int column = 0; column < types.size(); ++column)
-    // A checkbox without a label fails the check, so this one has its label and nothing else.
     cells += QStringLiteral("<widget type=\"%1\" row=\"0\" column=\"%2\"><name>e%2</name>%3</widget>\n")
                  .arg(types[column])
                  .arg(column)
-                 .arg(types[column] == QLatin1String("input::checkbox") ? "<title>Twice</title>" : "");
+                 .arg(needed.count(types[column]) ? needed.at(types[column]) : QString());
   const QString bare = file("bare.xml", QStringLiteral("<dialog><title>T</title><control id=\"Close\"/>\n"
                                                        "<content rows=\"1\" columns=\"%1\">\n%2</content></dialog>\n")
                                             .arg(types.size())
@@ -284,7 +308,10 @@ TEST_F(ZutProgram, ExampleDialogsPassLintAndBareElementsNormalizeToTheirDefaults
                                "<minimum>0</minimum>", "<step>1</step>", "<tick_interval>0.1</tick_interval>",
                                "<use_current_date>true</use_current_date>",
                                "<show_today_button>true</show_today_button>", "<alpha>255</alpha>",
-                               "<transparency_allowed>false</transparency_allowed>"})
+                               "<transparency_allowed>false</transparency_allowed>", "<type>push</type>",
+                               "<icon_type>none</icon_type>", "<icon_type>system</icon_type>",
+                               "<icon_system_type>ok</icon_system_type>", "<icon_system_type>cancel</icon_system_type>",
+                               "<icon_size>icon</icon_size>", "<icon_system_size>default</icon_system_size>"})
     EXPECT_TRUE(normalized.out.contains(QString::fromLatin1(expected))) << expected << "\n" << qPrintable(normalized.out);
   EXPECT_FALSE(normalized.out.contains(QStringLiteral("<unit>")));
 }

@@ -157,21 +157,13 @@ char* CheckDialogDefinition(const char* text, int normalize, int* faulty)
   char* result = nullptr;
   guarded("CheckDialogDefinition", [&] {
     QString output;
-    *faulty = 0;
-    try {
-      const auto definition = DialogDefinition::read(QString::fromUtf8(text), DialogWidget::DialogMode::Editor);
-      for (const DialogDefinition::Cell& cell : definition->getCells()) {
-        QString error;
-        if (!cell.widget->checkConfiguration(&error))
-          output += QStringLiteral("%1\t%2\n").arg(cell.widget->getSourceLine()).arg(error);
-      }
-      *faulty = output.isEmpty() ? 0 : 1;
-      if (!*faulty && normalize)
-        output = definition->write();
-    } catch (const Xml::ParseException& error) {
-      *faulty = 1;
-      output = QStringLiteral("%1\t%2\n").arg(error.getLine()).arg(error.getParseMessage());
-    }
+    std::unique_ptr<DialogDefinition> definition;
+    const auto faults = DialogDefinition::check(QString::fromUtf8(text), &definition);
+    for (const DialogDefinition::Fault& fault : faults)
+      output += QStringLiteral("%1\t%2\n").arg(fault.line).arg(fault.message);
+    *faulty = faults.empty() ? 0 : 1;
+    if (!*faulty && normalize)
+      output = definition->write();
     result = qstrdup(output.toUtf8().constData());
   });
   return result;
