@@ -156,20 +156,13 @@ private:
 };
 
 template <typename Widget>
-class ButtonWidgetCreator : public DialogWidgetCreator
+class ButtonWidgetCreator : public ElementCreator<Widget, ButtonConfiguration>
 {
 public:
-  ButtonWidgetCreator(Category::Type_t category, const char* displayName)
-      : DialogWidgetCreator(Widget::TYPE_ID, category), _display_name(displayName)
+  ButtonWidgetCreator(DialogWidgetCreator::Category::Type_t category, const char* displayName)
+      : ElementCreator<Widget, ButtonConfiguration>(category, "MSysScript_DialogEditor_other", displayName, "button")
   {
   }
-  QString getDisplayName() const override { return translate("MSysScript_DialogEditor_other", _display_name, ""); }
-  QString getKeyWord() const override { return QStringLiteral("button"); }
-  DialogWidget* createWidget() const override { return new Widget; }
-  ElementConfiguration* createConfiguration(QWidget* parent) const override { return new ButtonConfiguration(parent); }
-
-private:
-  const char* _display_name;
 };
 
 using PushButtonWidgetCreator = ButtonWidgetCreator<PushButtonWidget>;

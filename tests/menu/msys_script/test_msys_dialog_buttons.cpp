@@ -175,41 +175,6 @@ TEST(ButtonWidgets, CopyTakesPictureWordsTextAndStates)
 
 // ---------------------------------------------------------------------------------------------
 
-struct ButtonRefusalCase
-{
-  const char* attribute;
-  QVariant value;
-  const char* message;
-};
-
-class ButtonRefusals : public ::testing::TestWithParam<ButtonRefusalCase>
-{};
-
-TEST_P(ButtonRefusals, LeaveTheButtonAsItWas)
-{
-  const ButtonRefusalCase& c = GetParam();
-  auto widget = button("button::pushbutton", QStringLiteral("<text>Go</text>"));
-  const QString before = xmlOf(widget.get());
-  try {
-    widget->__setattr__(QString::fromLatin1(c.attribute), c.value);
-    FAIL() << "accepted " << c.attribute;
-  } catch (const Vel::ScriptTypeException& error) {
-    EXPECT_EQ(error.getMessage(), QString::fromUtf8(c.message));
-  }
-  EXPECT_EQ(xmlOf(widget.get()), before);
-  EXPECT_FALSE(widget->button()->isChecked());
-}
-
-INSTANTIATE_TEST_SUITE_P(
-    Attributes, ButtonRefusals,
-    ::testing::Values(ButtonRefusalCase{"type", QStringLiteral("Toggle"), "The button type \"Toggle\" is invalid."},
-                      ButtonRefusalCase{"value", true, "This is not a toggle button."},
-                      ButtonRefusalCase{"icon_type", QStringLiteral("File"), "The value \"File\" is invalid."},
-                      ButtonRefusalCase{"icon_system_size", QStringLiteral("huge"), "The value \"huge\" is invalid."},
-                      ButtonRefusalCase{"text", 5, "The value has not the expected type."},
-                      ButtonRefusalCase{"icon", QByteArray("no picture"), "The value has not the expected type."},
-                      ButtonRefusalCase{"toggleable", true, "The object has no writeable attribute \"toggleable\"."}));
-
 TEST(ButtonWidgets, ScriptAttributesChangeTheButtonAndReadBack)
 {
   auto widget = button("button::pushbutton", QStringLiteral("<text>Go</text>"));

@@ -256,7 +256,18 @@ INSTANTIATE_TEST_SUITE_P(
                       RefusalCase{"input::color", "color", 0xff0000, WRONG_TYPE},
                       RefusalCase{"input::date", "value", QStringLiteral("2020-01-01"), WRONG_TYPE},
                       RefusalCase{"input::date", "default_date", QDate(2021, 4, 31), WRONG_TYPE},
-                      RefusalCase{"input::date", "volume", 3, "The object has no writeable attribute \"volume\"."}));
+                      RefusalCase{"input::date", "volume", 3, "The object has no writeable attribute \"volume\"."},
+                      RefusalCase{"button::pushbutton", "type", QStringLiteral("Toggle"),
+                                  "The button type \"Toggle\" is invalid."},
+                      RefusalCase{"button::pushbutton", "value", true, "This is not a toggle button."},
+                      RefusalCase{"button::pushbutton", "icon_type", QStringLiteral("File"),
+                                  "The value \"File\" is invalid."},
+                      RefusalCase{"button::abort", "icon_system_size", QStringLiteral("huge"),
+                                  "The value \"huge\" is invalid."},
+                      RefusalCase{"button::pushbutton", "text", 5, WRONG_TYPE},
+                      RefusalCase{"button::pushbutton", "icon", QByteArray("no picture"), WRONG_TYPE},
+                      RefusalCase{"button::abort", "toggleable", true,
+                                  "The object has no writeable attribute \"toggleable\"."}));
 
 TEST(InputWidgets, AnImpossibleDateStaysAsSet)
 {
