@@ -103,9 +103,9 @@ TEST_F(ZutProgram, FailuresPrintCodeMessageAndLogAndExitOne)
       << qPrintable(failed.err);
   EXPECT_TRUE(failed.err.contains(QStringLiteral("ZeroDivisionError"))) << qPrintable(failed.err);
 
-  const Result placeholder = zut({QStringLiteral("call"), QStringLiteral("sys.create_user_defined_dialog")});
-  EXPECT_EQ(placeholder.status, 1);
-  EXPECT_TRUE(placeholder.err.contains(QStringLiteral("not available yet"))) << qPrintable(placeholder.err);
+  const Result no_content = zut({QStringLiteral("call"), QStringLiteral("sys.create_user_defined_dialog")});
+  EXPECT_EQ(no_content.status, 1);
+  EXPECT_TRUE(no_content.err.contains(QStringLiteral("'content' is missing"))) << qPrintable(no_content.err);
 }
 
 TEST_F(ZutProgram, WrongUsageExitsTwoAndHelpExitsZero)

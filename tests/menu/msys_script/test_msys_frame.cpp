@@ -332,17 +332,3 @@ TEST_F(ModuleTest, ExitNotifierAsksOnlyInKioskModeAndNotWhenSilent)
   GTools::setQuestionHandler(nullptr);
   EXPECT_TRUE(notifier.canExit());
 }
-
-TEST_F(ModuleTest, PlaceholderCommandsFailClearly)
-{
-  for (const char* name : {"sys.create_user_defined_dialog", "sys.close_user_defined_dialog"}) {
-    GApp::Command* command = GApp::CommandContainer::getInstance().getCommand(QString::fromLatin1(name));
-    try {
-      command->run(GApp::CommandParameters(), false);
-      FAIL() << name << " ran";
-    } catch (const GApp::CommandError& error) {
-      EXPECT_EQ(error.getLog().getText(),
-                QStringLiteral("The command '%1' is not available yet.").arg(QLatin1String(name)));
-    }
-  }
-}
