@@ -5,11 +5,11 @@
 #include <QJsonObject>
 #include <QProcess>
 #include <QStandardPaths>
-#include <QThread>
 #include <QTemporaryDir>
+#include <QThread>
 
-#include <gtest/gtest.h>
 #include <csignal>
+#include <gtest/gtest.h>
 #include <memory>
 #include <vector>
 
@@ -193,8 +193,8 @@ TEST_F(ZutProgram, EditorEndsInOrderOnSigtermAndSighup)
   if (QStandardPaths::findExecutable(QStringLiteral("Xvfb")).isEmpty())
     GTEST_SKIP() << "the editor needs a display; Xvfb is not installed";
   QProcess xvfb;
-  xvfb.start(QStringLiteral("Xvfb"), {QStringLiteral("-displayfd"), QStringLiteral("1"), QStringLiteral("-nolisten"),
-                                      QStringLiteral("tcp")});
+  xvfb.start(QStringLiteral("Xvfb"),
+             {QStringLiteral("-displayfd"), QStringLiteral("1"), QStringLiteral("-nolisten"), QStringLiteral("tcp")});
   ASSERT_TRUE(xvfb.waitForReadyRead(20000)) << "Xvfb did not start";
   const QString display = QLatin1Char(':') + QString::fromLatin1(xvfb.readLine()).trimmed();
 
@@ -341,8 +341,8 @@ TEST_F(ZutProgram, ExampleDialogsPassLintAndBareElementsNormalizeToTheirDefaults
   EXPECT_EQ(lint.status, 0) << qPrintable(lint.err);
 
   QString cells;
-  const QStringList types{"input::number", "input::integer", "input::string", "input::slider",
-                          "input::checkbox", "input::date", "input::color"};
+  const QStringList types{"input::number",   "input::integer", "input::string", "input::slider",
+                          "input::checkbox", "input::date",    "input::color"};
   for (int column = 0; column < types.size(); ++column)
     // A checkbox without a label fails the check, so this one has its label and nothing else.
     cells += QStringLiteral("<widget type=\"%1\" row=\"0\" column=\"%2\"><name>e%2</name>%3</widget>\n")
@@ -356,13 +356,14 @@ TEST_F(ZutProgram, ExampleDialogsPassLintAndBareElementsNormalizeToTheirDefaults
                                             .toUtf8());
   const Result normalized = zut({QStringLiteral("lint"), QStringLiteral("--normalize"), bare});
   ASSERT_EQ(normalized.status, 0) << qPrintable(normalized.err);
-  for (const char* expected : {"<minimum>-1.7976931348623157e+308</minimum>", "<maximum>1.7976931348623157e+308</maximum>",
-                               "<precision>2</precision>", "<minimum>-2147483648</minimum>", "<maximum>2147483647</maximum>",
-                               "<read_only>false</read_only>", "<orientation>horizontal</orientation>",
-                               "<minimum>0</minimum>", "<step>1</step>", "<tick_interval>0.1</tick_interval>",
-                               "<use_current_date>true</use_current_date>",
-                               "<show_today_button>true</show_today_button>", "<alpha>255</alpha>",
-                               "<transparency_allowed>false</transparency_allowed>"})
-    EXPECT_TRUE(normalized.out.contains(QString::fromLatin1(expected))) << expected << "\n" << qPrintable(normalized.out);
+  for (const char* expected :
+       {"<minimum>-1.7976931348623157e+308</minimum>", "<maximum>1.7976931348623157e+308</maximum>",
+        "<precision>2</precision>", "<minimum>-2147483648</minimum>", "<maximum>2147483647</maximum>",
+        "<read_only>false</read_only>", "<orientation>horizontal</orientation>", "<minimum>0</minimum>",
+        "<step>1</step>", "<tick_interval>0.1</tick_interval>", "<use_current_date>true</use_current_date>",
+        "<show_today_button>true</show_today_button>", "<alpha>255</alpha>",
+        "<transparency_allowed>false</transparency_allowed>"})
+    EXPECT_TRUE(normalized.out.contains(QString::fromLatin1(expected))) << expected << "\n"
+                                                                        << qPrintable(normalized.out);
   EXPECT_FALSE(normalized.out.contains(QStringLiteral("<unit>")));
 }

@@ -40,8 +40,9 @@ QString printable(const QString& name)
 {
   QString text;
   for (const QChar c : name)
-    text += c.unicode() < 0x20 || c.unicode() == 0x7f ? QStringLiteral("\\x%1").arg(c.unicode(), 2, 16, QLatin1Char('0'))
-                                                      : QString(c);
+    text += c.unicode() < 0x20 || c.unicode() == 0x7f
+                ? QStringLiteral("\\x%1").arg(c.unicode(), 2, 16, QLatin1Char('0'))
+                : QString(c);
   return text;
 }
 

@@ -120,11 +120,13 @@ bool ScriptFileFormat::decode(const QByteArray& bytes, QString& text, ScriptFile
       ++at;
     const int line = int(body.left(at).count('\n')) + 1;
     error = declared.isEmpty()
-                ? QStringLiteral("line %1 is not valid UTF-8, and the file declares no other encoding (a first line "
-                                 "such as '# -*- coding: latin-1 -*-' names the encoding it is written in)")
+                ? QStringLiteral(
+                      "line %1 is not valid UTF-8, and the file declares no other encoding (a first line "
+                      "such as '# -*- coding: latin-1 -*-' names the encoding it is written in)")
                       .arg(line)
-                : QStringLiteral("line %1 is not valid %2, the encoding the file declares").arg(line).arg(
-                      encodingTitle(found.encoding));
+                : QStringLiteral("line %1 is not valid %2, the encoding the file declares")
+                      .arg(line)
+                      .arg(encodingTitle(found.encoding));
     return false;
   }
   const int break_at = int(decoded.indexOf(QRegularExpression(QStringLiteral("[\r\n]"))));
@@ -164,8 +166,9 @@ bool ScriptFileFormat::encode(const QString& text, QByteArray& bytes, QString& e
       ++at;
     const int line = int(QStringView(lines).left(at).count(QLatin1Char('\n'))) + 1;
     const char32_t code = at < lines.size() ? lines[at].unicode() : 0;
-    error = QStringLiteral("line %1: the character U+%2 cannot be written in %3 (the coding declaration names the "
-                           "file's encoding)")
+    error = QStringLiteral(
+                "line %1: the character U+%2 cannot be written in %3 (the coding declaration names the "
+                "file's encoding)")
                 .arg(line)
                 .arg(uint(code), 4, 16, QLatin1Char('0'))
                 .arg(encodingTitle(target));
@@ -318,8 +321,8 @@ bool ScriptEditorDialog::save(ErrorLog& log)
   QByteArray bytes;
   QString error;
   if (!_format.encode(text(), bytes, error)) {
-    log.addLine(QStringLiteral("%1: %2.").arg(!_file.isEmpty() ? QDir::toNativeSeparators(_file) : _database_file,
-                                              error));
+    log.addLine(
+        QStringLiteral("%1: %2.").arg(!_file.isEmpty() ? QDir::toNativeSeparators(_file) : _database_file, error));
     return false;
   }
   if (!_database_file.isEmpty()) {
@@ -391,13 +394,12 @@ void ScriptEditorDialog::offerRecovery()
   }
   const QString name = !_file.isEmpty() ? QDir::toNativeSeparators(_file) : _database_file;
   // Nobody to ask: the changes come back unsaved, the file stays as it is.
-  const bool restore =
-      GTools::askYesNo(windowTitle(),
-                       QStringLiteral("Changes to %1 were not saved when the application ended (%2).\n"
-                                      "Restore them? No sets them aside in %3.discarded.")
-                           .arg(name, recovery.value(QStringLiteral("written")).toString(),
-                                QDir::toNativeSeparators(path)),
-                       true);
+  const bool restore = GTools::askYesNo(
+      windowTitle(),
+      QStringLiteral("Changes to %1 were not saved when the application ended (%2).\n"
+                     "Restore them? No sets them aside in %3.discarded.")
+          .arg(name, recovery.value(QStringLiteral("written")).toString(), QDir::toNativeSeparators(path)),
+      true);
   if (restore) {
     _editor->setPlainText(kept.toString());
     _editor->document()->setModified(true);

@@ -407,8 +407,8 @@ INSTANTIATE_TEST_SUITE_P(
     ::testing::Values(
         RoundTrip{"latin1", "# -*- coding: latin-1 -*-\nx = 'caf\xe9\xa0'\n", "\xc3\xa9",
                   "# -*- coding: latin-1 -*-\xe9\nx = 'caf\xe9\xa0'\n"},
-        RoundTrip{"latin1BelowShebang", "#!/usr/bin/python3\n# vim: set fileencoding=iso-8859-15 :\ns = '\xa4'\n",
-                  "!", "#!/usr/bin/python3!\n# vim: set fileencoding=iso-8859-15 :\ns = '\xa4'\n"},
+        RoundTrip{"latin1BelowShebang", "#!/usr/bin/python3\n# vim: set fileencoding=iso-8859-15 :\ns = '\xa4'\n", "!",
+                  "#!/usr/bin/python3!\n# vim: set fileencoding=iso-8859-15 :\ns = '\xa4'\n"},
         RoundTrip{"crlf", "a = 1\r\nb = 2\r\n", "  # \xc3\xa4", "a = 1  # \xc3\xa4\r\nb = 2\r\n"},
         RoundTrip{"cr", "a = 1\rb = 2", "!", "a = 1!\rb = 2"},
         RoundTrip{"bom", "\xef\xbb\xbfs = '\xc3\xa4'\r\n", "#", "\xef\xbb\xbfs = '\xc3\xa4'#\r\n"},
@@ -501,13 +501,13 @@ TEST_P(EditorIndent, NewLinesUseTheIndentationTheFileAlreadyUses)
   EXPECT_TRUE(dialog.run()) << "no TabError: " << qPrintable(dialog.getOutput()->toPlainText());
 }
 
-INSTANTIATE_TEST_SUITE_P(
-    Files, EditorIndent,
-    ::testing::Values(Indent{"fourSpaces", "def f():\n    return 1\n", 0, "    "},
-                      Indent{"twoSpacesNested", "if True:\n  if True:\n    pass\n", 1, "    "},
-                      Indent{"tabs", "if True:\n\tpass\n", 0, "\t"},
-                      Indent{"sameLevel", "if True:\n    a = 1\n", 1, "    "},
-                      Indent{"nothingIndentedYet", "if True: pass\nif True:\n", 1, "\t"},
-                      Indent{"mostlyFour", "if 1:\n    if 1:\n        pass\nx = (1,\n  2)\nif 1:\n    pass\n", 5,
-                             "    "}),
-    [](const ::testing::TestParamInfo<Indent>& info) { return std::string(info.param.what); });
+INSTANTIATE_TEST_SUITE_P(Files, EditorIndent,
+                         ::testing::Values(Indent{"fourSpaces", "def f():\n    return 1\n", 0, "    "},
+                                           Indent{"twoSpacesNested", "if True:\n  if True:\n    pass\n", 1, "    "},
+                                           Indent{"tabs", "if True:\n\tpass\n", 0, "\t"},
+                                           Indent{"sameLevel", "if True:\n    a = 1\n", 1, "    "},
+                                           Indent{"nothingIndentedYet", "if True: pass\nif True:\n", 1, "\t"},
+                                           Indent{"mostlyFour",
+                                                  "if 1:\n    if 1:\n        pass\nx = (1,\n  2)\nif 1:\n    pass\n", 5,
+                                                  "    "}),
+                         [](const ::testing::TestParamInfo<Indent>& info) { return std::string(info.param.what); });

@@ -3,8 +3,8 @@
 #include <QFile>
 #include <QTemporaryDir>
 
-#include <gtest/gtest.h>
 #include <cctype>
+#include <gtest/gtest.h>
 #include <map>
 
 #include "gapp/command_container.h"
@@ -228,7 +228,8 @@ TEST_F(ArchiveTest, ExportReadsIconsOnlyInsideTheDatabaseAndKeepsScriptsWhoseIco
   UpdateRegisteredCommands();
 
   QStringList warnings;
-  GTools::setErrorDialogHandler([&](const QString& code, const QString& text) { warnings << code + QLatin1Char('|') + text; });
+  GTools::setErrorDialogHandler(
+      [&](const QString& code, const QString& text) { warnings << code + QLatin1Char('|') + text; });
   const QString archive = dir.filePath(QStringLiteral("all.scriptar"));
   const QVariant exported = run("sys.export_script_archive", withFile(archive));
   GTools::setErrorDialogHandler(nullptr);
