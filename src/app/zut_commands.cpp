@@ -21,6 +21,7 @@
 #include "gscript/python_interpreter.h"
 #include "gscript/script_database.h"
 #include "zut_host.h"
+#include "zut_signals.h"
 
 namespace {
 
@@ -395,7 +396,10 @@ int editor(ZutHost&, const QStringList& arguments, bool)
     window->close();
     return EXIT_OK;
   }
-  return QApplication::exec() == 0 ? EXIT_OK : EXIT_FAILED;
+  const QuitOnSignals quit_on_signals;
+  const int end = QApplication::exec();
+  // Ended by a signal: its status; the exit sequence that follows keeps what was not saved.
+  return end == 0 ? EXIT_OK : end > 128 ? end : EXIT_FAILED;
 }
 
 // The module's own reader checks each definition; faults as FILE:LINE: message.

@@ -4,11 +4,15 @@
 #include <QJsonDocument>
 #include <QJsonObject>
 #include <QProcess>
+#include <QStandardPaths>
 #include <QTemporaryDir>
+#include <QThread>
 
-#include <map>
-
+#include <csignal>
 #include <gtest/gtest.h>
+#include <map>
+#include <memory>
+#include <vector>
 
 #include "test_util.h"
 
@@ -28,17 +32,23 @@ protected:
   Result zut(const QStringList& arguments)
   {
     QProcess process;
+    start(process, arguments);
+    EXPECT_TRUE(process.waitForFinished(60000)) << qPrintable(process.errorString());
+    return {process.exitCode(), QString::fromUtf8(process.readAllStandardOutput()),
+            QString::fromUtf8(process.readAllStandardError())};
+  }
+  void start(QProcess& process, const QStringList& arguments, const QString& display = QString())
+  {
     QProcessEnvironment environment = QProcessEnvironment::systemEnvironment();
     environment.insert(QStringLiteral("XDG_CONFIG_HOME"), home.filePath(QStringLiteral("config")));
     environment.insert(QStringLiteral("XDG_DATA_HOME"), home.filePath(QStringLiteral("data")));
     environment.remove(QStringLiteral("ZUT_PUBLIC_SCRIPTS"));
     environment.remove(QStringLiteral("DISPLAY"));
     environment.remove(QStringLiteral("QT_QPA_PLATFORM"));
+    if (!display.isEmpty())
+      environment.insert(QStringLiteral("DISPLAY"), display);
     process.setProcessEnvironment(environment);
     process.start(qEnvironmentVariable("ZUT_BIN"), arguments);
-    EXPECT_TRUE(process.waitForFinished(60000)) << qPrintable(process.errorString());
-    return {process.exitCode(), QString::fromUtf8(process.readAllStandardOutput()),
-            QString::fromUtf8(process.readAllStandardError())};
   }
   QString file(const char* name, const QByteArray& text)
   {
@@ -141,6 +151,73 @@ TEST_F(ZutProgram, ConfigurationSurvivesARestartAndRefusesBadValues)
           .object();
   EXPECT_EQ(item.value(QStringLiteral("value")).toBool(true), false);
   EXPECT_EQ(item.value(QStringLiteral("type")).toString(), QStringLiteral("boolean"));
+}
+
+TEST_F(ZutProgram, ConcurrentConfigChangesAreAllKept)
+{
+  const std::vector<std::pair<QString, QString>> changes{
+      {QStringLiteral("MSysScript/TabWidth"), QStringLiteral("8")},
+      {QStringLiteral("MSysScript/ShowTabs"), QStringLiteral("true")},
+      {QStringLiteral("MSysScript/HideWhenRecording"), QStringLiteral("false")},
+      {QStringLiteral("MSysScript/EditorDialog/Splitter"), QStringLiteral("0.5")},
+      {QStringLiteral("MSysScript/DialogEditor/Width"), QStringLiteral("700")},
+      {QStringLiteral("MSysScript/NumberWidget/Precision"), QStringLiteral("5")}};
+  std::vector<std::unique_ptr<QProcess>> processes;
+  for (const auto& change : changes) {
+    processes.push_back(std::make_unique<QProcess>());
+    start(*processes.back(), {QStringLiteral("config"), change.first, change.second});
+  }
+  for (auto& process : processes) {
+    ASSERT_TRUE(process->waitForFinished(60000));
+    EXPECT_EQ(process->exitCode(), 0) << process->readAllStandardError().constData();
+  }
+  for (const auto& change : changes)
+    EXPECT_EQ(zut({QStringLiteral("config"), change.first}).out, change.second + QLatin1Char('\n'))
+        << qPrintable(change.first);
+}
+
+namespace {
+
+// Whether process `pid` has a handler of its own for `signal` (it is ready to end in order).
+bool catches(qint64 pid, int signal)
+{
+  for (const QByteArray& line : readFile(QStringLiteral("/proc/%1/status").arg(pid)).split('\n'))
+    if (line.startsWith("SigCgt:"))
+      return (line.mid(7).trimmed().toULongLong(nullptr, 16) >> (signal - 1)) & 1;
+  return false;
+}
+
+}  // namespace
+
+TEST_F(ZutProgram, EditorEndsInOrderOnSigtermAndSighup)
+{
+  if (QStandardPaths::findExecutable(QStringLiteral("Xvfb")).isEmpty())
+    GTEST_SKIP() << "the editor needs a display; Xvfb is not installed";
+  QProcess xvfb;
+  xvfb.start(QStringLiteral("Xvfb"),
+             {QStringLiteral("-displayfd"), QStringLiteral("1"), QStringLiteral("-nolisten"), QStringLiteral("tcp")});
+  ASSERT_TRUE(xvfb.waitForReadyRead(20000)) << "Xvfb did not start";
+  const QString display = QLatin1Char(':') + QString::fromLatin1(xvfb.readLine()).trimmed();
+
+  const QString script = file("edited.py", "print('kept as it is')\r\n");
+  for (const int signal : {SIGTERM, SIGHUP}) {
+    QFile::remove(configFile());
+    QProcess editor;
+    start(editor, {QStringLiteral("editor"), script}, display);
+    ASSERT_TRUE(editor.waitForStarted());
+    for (int wait = 0; wait < 600 && !catches(editor.processId(), signal); ++wait)
+      QThread::msleep(100);
+    ASSERT_TRUE(catches(editor.processId(), signal)) << editor.readAllStandardError().constData();
+    ::kill(pid_t(editor.processId()), signal);
+    ASSERT_TRUE(editor.waitForFinished(30000));
+    EXPECT_EQ(editor.exitStatus(), QProcess::NormalExit) << signal;
+    EXPECT_EQ(editor.exitCode(), 128 + signal) << editor.readAllStandardError().constData();
+    // The exit sequence ran: the editor closed and its size was stored.
+    EXPECT_TRUE(readFile(configFile()).contains("MSysScript/EditorDialog/Size")) << signal;
+    EXPECT_EQ(readFile(script), QByteArray("print('kept as it is')\r\n"));
+  }
+  xvfb.terminate();
+  xvfb.waitForFinished();
 }
 
 TEST_F(ZutProgram, DamagedConfigurationIsKeptAsideAndReported)
