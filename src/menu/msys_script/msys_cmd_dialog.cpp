@@ -59,9 +59,10 @@ QVariant runToEnd(UserDefinedDialog* dialog)
     throw;
   }
   dialog->run();
-  const QVariant result = resultOf(*dialog);
   dialog->deleteLater();
-  return result;
+  if (const std::exception_ptr fault = dialog->takeFault())
+    std::rethrow_exception(fault);
+  return resultOf(*dialog);
 }
 
 }  // namespace

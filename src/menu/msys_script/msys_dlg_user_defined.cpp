@@ -30,6 +30,12 @@ UserDefinedDialog::Responder& responder()
   return current;
 }
 
+UserDefinedDialog::Watcher& watcher()
+{
+  static UserDefinedDialog::Watcher current;
+  return current;
+}
+
 int nextId()
 {
   static int last = 0;
@@ -99,6 +105,21 @@ const UserDefinedDialog::Responder& UserDefinedDialog::getResponder()
   return responder();
 }
 
+void UserDefinedDialog::setWatcher(Watcher watcher)
+{
+  Vel::MSysScript::watcher() = std::move(watcher);
+}
+
+void UserDefinedDialog::starting()
+{
+  _command_depth = GApp::AppStatusManager::getActiveMenuCommandDepth();
+  if (_started)
+    return;
+  _started = true;
+  if (watcher())
+    watcher()(this);
+}
+
 UserDefinedDialog* UserDefinedDialog::find(int id)
 {
   const auto found = dialogMap().find(id);
@@ -115,14 +136,14 @@ int UserDefinedDialog::getOpenCount()
 
 QVariant UserDefinedDialog::run()
 {
-  _command_depth = GApp::AppStatusManager::getActiveMenuCommandDepth();
+  starting();
   exec();
   return _result;
 }
 
 void UserDefinedDialog::openModeless()
 {
-  _command_depth = GApp::AppStatusManager::getActiveMenuCommandDepth();
+  starting();
   show();
 }
 
@@ -145,6 +166,28 @@ bool UserDefinedDialog::canCloseNow() const
     if (const auto* dialog = qobject_cast<const QDialog*>(child); dialog && dialog->isVisible())
       return false;
   return GApp::AppStatusManager::getActiveMenuCommandDepth() <= _command_depth + 1;
+}
+
+void UserDefinedDialog::failWith(std::exception_ptr fault)
+{
+  if (!_fault)
+    _fault = fault;
+  if (isVisible())
+    done(QDialog::Rejected);
+  else
+    finish();
+}
+
+std::exception_ptr UserDefinedDialog::takeFault()
+{
+  return std::exchange(_fault, nullptr);
+}
+
+void UserDefinedDialog::setAsPerson(DialogWidget* widget, const QVariant& value)
+{
+  // Reported once, whether or not the element's own control reports programmatic changes.
+  setFromScript(widget, DialogWidget::TAG_VALUE, value);
+  slotElementModified(widget);
 }
 
 void UserDefinedDialog::setFromScript(DialogWidget* widget, const QString& name, const QVariant& value)

@@ -4,6 +4,7 @@
 #include <QPointer>
 #include <QVariant>
 
+#include <exception>
 #include <functional>
 #include <map>
 #include <memory>
@@ -35,6 +36,10 @@ public:
   static void setResponder(Responder responder);
   static const Responder& getResponder();
 
+  // Told of every dialog as it starts waiting or is opened (the recorder of answers).
+  using Watcher = std::function<void(UserDefinedDialog*)>;
+  static void setWatcher(Watcher watcher);
+
   // The open dialog of that id; null when there is none (never made, or closed).
   static UserDefinedDialog* find(int id);
   static int getOpenCount();
@@ -58,6 +63,15 @@ public:
   const QVariant& getResult() const { return _result; }
   bool isClosed() const { return _closed; }
 
+  // Ends the dialog with a fault that the command waiting for it raises (a failing handler, a
+  // bad answer): faults may not cross the event loop that runs the dialog.
+  void failWith(std::exception_ptr fault);
+  // The fault the dialog ended with, once; null when none.
+  std::exception_ptr takeFault();
+
+  // A person's edit made by someone else (an answer): applied and reported as a person's.
+  void setAsPerson(DialogWidget* widget, const QVariant& value);
+
   // A script's own assignment: applied to the element without reaching the change handler.
   void setFromScript(DialogWidget* widget, const QString& name, const QVariant& value);
 
@@ -76,6 +90,7 @@ private Q_SLOTS:
 
 private:
   void place();
+  void starting();
   void finish();
 
   std::unique_ptr<DialogDefinition> _definition;
@@ -86,7 +101,9 @@ private:
   std::optional<QVariant> _script_result;
   bool _closed = false;
   bool _initialized = false;
+  bool _started = false;
   int _script_assignments = 0;
+  std::exception_ptr _fault;
   size_t _command_depth = 0;
 };
 

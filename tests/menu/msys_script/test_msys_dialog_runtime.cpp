@@ -4,6 +4,7 @@
 #include <QScreen>
 #include <QSignalSpy>
 #include <QTest>
+#include <QTemporaryDir>
 #include <QTimer>
 
 #include <gtest/gtest.h>
@@ -11,6 +12,7 @@
 #include "dialog_test_element.h"
 #include "gapp/command.h"
 #include "menu/msys_script/msys_cmd_dialog.h"
+#include "menu/msys_script/msys_dialog_answers.h"
 #include "menu/msys_script/msys_dialog_controls.h"
 #include "menu/msys_script/msys_dialog_input_widgets.h"
 #include "menu/msys_script/msys_dlg_user_defined.h"
@@ -26,6 +28,7 @@ QString definition(const char* control = "OkCancel", const char* header = "")
                         "<content rows=\"2\" columns=\"1\">"
                         "<widget type=\"input::string\" row=\"0\" column=\"0\"><name>part</name><value>A</value></widget>"
                         "<widget type=\"input::number\" row=\"1\" column=\"0\"><name>diameter</name><value>12.5</value>"
+                        "<minimum>0</minimum><maximum>100</maximum>"
                         "</widget></content></dialog>")
       .arg(QString::fromLatin1(control), QString::fromLatin1(header));
 }
@@ -216,6 +219,128 @@ TEST_F(DialogRuntime, ADefinitionThatDoesNotReadFailsWithTheReadersFaultAndLeave
     EXPECT_EQ(error.getLine(), 1);
   }
   EXPECT_EQ(UserDefinedDialog::getOpenCount(), open);
+}
+
+// ---------------------------------------------------------------------------------------------
+
+QString answersFile(const QTemporaryDir& dir, const QByteArray& json)
+{
+  const QString path = dir.filePath(QStringLiteral("answers.json"));
+  QFile file(path);
+  file.open(QIODevice::WriteOnly);
+  file.write(json);
+  return path;
+}
+
+struct AnswerCase
+{
+  const char* json;
+  const char* fault;  // empty: the answer is taken
+  bool result;
+  const char* part;
+  double diameter;
+};
+
+class DialogAnswerCases : public DialogRuntime, public ::testing::WithParamInterface<AnswerCase>
+{
+protected:
+  void TearDown() override { DialogAnswers::reset(); }
+};
+
+TEST_P(DialogAnswerCases, AreAppliedAsAPersonWouldOrFailNamingWhatDoesNotFit)
+{
+  const AnswerCase& c = GetParam();
+  QTemporaryDir dir;
+  DialogAnswers::load(answersFile(dir, QByteArray("[") + c.json + "]"));
+  ExecuteDialogCommand execute;
+  try {
+    const QVariantMap answer = run(execute, contentArgument(definition()));
+    EXPECT_EQ(QString::fromLatin1(c.fault), QString()) << "taken";
+    EXPECT_EQ(answer.value(QStringLiteral("result")), QVariant(c.result));
+    const QVariantMap values = answer.value(QStringLiteral("values")).toMap();
+    EXPECT_EQ(values.value(QStringLiteral("part")), QVariant(QString::fromLatin1(c.part)));
+    EXPECT_EQ(values.value(QStringLiteral("diameter")).toDouble(), c.diameter);
+  } catch (const GApp::CommandError& error) {
+    EXPECT_EQ(error.getCode(), QStringLiteral("MSysScriptErr-0004"));
+    EXPECT_EQ(error.getLog().getText(),
+              QStringLiteral("The answer for the dialog \"Bore check\" does not fit: ") + QString::fromUtf8(c.fault))
+        << qPrintable(error.getLog().getText());
+  }
+  EXPECT_TRUE(DialogAnswers::getUnused().isEmpty());
+}
+
+INSTANTIATE_TEST_SUITE_P(
+    Answers, DialogAnswerCases,
+    ::testing::Values(
+        AnswerCase{"{}", "", true, "A", 12.5},
+        AnswerCase{R"({"title": "Bore check", "values": {"part": "B", "diameter": 20}, "button": "cancel"})", "", false,
+                   "B", 20},
+        AnswerCase{R"({"values": {"diameter": 7}, "button": "ok"})", "", true, "A", 7},
+        AnswerCase{R"({"title": "Other"})", "it is meant for the dialog \"Other\".", false, "", 0},
+        AnswerCase{R"({"values": {"diameter": 1000}})", "the value 1000 of element \"diameter\" is outside 0 to 100.",
+                   false, "", 0},
+        AnswerCase{R"({"values": {"depth": 1}})", "there is no element \"depth\".", false, "", 0},
+        AnswerCase{R"({"values": {"part": 5}})",
+                   "the value 5 of element \"part\" is refused: The value has not the expected type.", false, "", 0},
+        AnswerCase{R"({"button": "maybe"})", "the dialog has no button \"maybe\" (it has: ok, cancel).", false, "",
+                   0}));
+
+TEST_F(DialogRuntime, AnswersGoToTheDialogsInTurnThroughTheHandlerAndWhatIsLeftIsReported)
+{
+  QTemporaryDir dir;
+  DialogAnswers::load(answersFile(
+      dir, R"([{"values": {"part": "first"}}, {"values": {"part": "second", "diameter": 3}}, {"title": "Third"}])"));
+  ExecuteDialogCommand execute;
+  for (const char* part : {"first", "second"}) {
+    CreateDialogCommand create;
+    const QVariant handle = create.run(contentArgument(definition()), false);
+    UserDefinedDialog* dialog = UserDefinedDialog::find(handle.value<DialogHandle>().id);
+    QStringList changed;
+    QObject::connect(dialog, &UserDefinedDialog::signalChanged, [&](DialogWidget* element, const QString& event) {
+      changed << (element ? element->getName() : event);
+    });
+    ShowDialogCommand show;
+    const QVariantMap answer = run(show, handleArgument(handle));
+    EXPECT_EQ(answer.value(QStringLiteral("values")).toMap().value(QStringLiteral("part")),
+              QVariant(QString::fromLatin1(part)));
+    EXPECT_EQ(changed.join(QLatin1Char(' ')),
+              std::string(part) == "first" ? QStringLiteral("initialize part") : QStringLiteral("initialize diameter part"));
+  }
+  EXPECT_EQ(DialogAnswers::getUnused(), QStringList{QStringLiteral("Answer 3 (Third) was not used: no dialog asked for it.")});
+
+  // Broken files are refused with their name; the answers before stay.
+  for (const char* broken : {"{", "{\"values\": {}}", "[1]", "[{\"values\": []}]"}) {
+    try {
+      DialogAnswers::load(answersFile(dir, broken));
+      FAIL() << broken;
+    } catch (const GApp::CommandError& error) {
+      EXPECT_TRUE(error.getLog().getText().contains(QStringLiteral("answers.json"))) << qPrintable(error.getLog().getText());
+    }
+    EXPECT_EQ(DialogAnswers::getUnused().size(), 1);
+  }
+  DialogAnswers::reset();
+}
+
+TEST_F(DialogRuntime, RecordedAnswersReplayTheSameDialog)
+{
+  QTemporaryDir dir;
+  const QString recorded = dir.filePath(QStringLiteral("recorded.json"));
+  DialogAnswers::record(recorded);
+  ExecuteDialogCommand execute;
+  QVariantMap by_person;
+  {
+    Person person([](UserDefinedDialog* dialog) {
+      auto* edit = static_cast<StringWidget*>(dialog->findWidget(QStringLiteral("part")))->edit();
+      edit->selectAll();
+      QTest::keyClicks(edit, QStringLiteral("typed"));
+      QTest::mouseClick(controlButton(dialog, "cancel"), Qt::LeftButton);
+    });
+    by_person = run(execute, contentArgument(definition()));
+  }
+  DialogAnswers::reset();
+  DialogAnswers::load(recorded);
+  EXPECT_EQ(run(execute, contentArgument(definition())), by_person);
+  DialogAnswers::reset();
 }
 
 }  // namespace
