@@ -118,6 +118,67 @@ TEST_F(ZutProgram, FailuresPrintCodeMessageAndLogAndExitOne)
   EXPECT_TRUE(no_content.err.contains(QStringLiteral("'content' is missing"))) << qPrintable(no_content.err);
 }
 
+// Values no command can take and arguments a command does not have are the user's fault: a
+// code, a message naming the value or argument, exit 1 (never an abort).
+TEST_F(ZutProgram, BadArgumentValuesAndNamesFailWithCodeAndMessage)
+{
+  const QString script = file("p.py", "print(PARAMETERS)\n");
+  struct Case
+  {
+    QStringList arguments;
+    QString message;
+  };
+  const std::vector<Case> cases = {
+      {{QStringLiteral("run"), script, QStringLiteral("-p"), QStringLiteral("g={1,2}")},
+       QStringLiteral("g={1,2}: cannot pass an object of type 'set' to a command")},
+      {{QStringLiteral("run"), script, QStringLiteral("-p"), QStringLiteral("b=b\"1\"")},
+       QStringLiteral("b=b\"1\": cannot pass an object of type 'bytes' to a command")},
+      {{QStringLiteral("run"), script, QStringLiteral("-p"), QStringLiteral("big=99999999999999999999999")},
+       QStringLiteral("big=99999999999999999999999: integer too large")},
+      {{QStringLiteral("call"), QStringLiteral("sys.delay_script"), QStringLiteral("time=b\"1\"")},
+       QStringLiteral("time=b\"1\": cannot pass an object of type 'bytes'")},
+      {{QStringLiteral("call"), QStringLiteral("sys.execute_python_code"), QStringLiteral("code=print(1)"),
+        QStringLiteral("colect_stdout=True")},
+       QStringLiteral("sys.execute_python_code has no argument 'colect_stdout'; its arguments are code, parameters, "
+                      "collect_stdout, collect_stderr")},
+      {{QStringLiteral("call"), QStringLiteral("sys.execute_script"), QStringLiteral("file=") + script,
+        QStringLiteral("parameter={'a': 1}")},
+       QStringLiteral("sys.execute_script has no argument 'parameter'; its arguments are file, parameters, "
+                      "collect_stdout, collect_stderr")}};
+  for (const Case& c : cases) {
+    const Result result = zut(c.arguments);
+    SCOPED_TRACE(qPrintable(c.arguments.join(QLatin1Char(' '))));
+    EXPECT_EQ(result.status, 1);
+    EXPECT_TRUE(result.err.startsWith(QStringLiteral("GAppErr-0002: Invalid command argument\n")))
+        << qPrintable(result.err);
+    EXPECT_TRUE(result.err.contains(c.message)) << qPrintable(result.err);
+    EXPECT_TRUE(result.out.isEmpty()) << "nothing ran: " << qPrintable(result.out);
+  }
+}
+
+// A command's title, arguments and their types, from the command line and from Python.
+TEST_F(ZutProgram, CommandsExplainThemselves)
+{
+  const Result help = zut({QStringLiteral("call"), QStringLiteral("sys.import_script"), QStringLiteral("--help")});
+  EXPECT_EQ(help.status, 0) << qPrintable(help.err);
+  for (const char* line : {"Usage: zut call sys.import_script [ARG=VALUE]...\n\nImport Script\n",
+                           "  files (list, required)\n      file names of scripts to import\n",
+                           "  config_level (configuration level: 0, 1, 2 or system, public, user)\n"})
+    EXPECT_TRUE(help.out.contains(QString::fromLatin1(line))) << line << "\n" << qPrintable(help.out);
+
+  const Result python =
+      zut({QStringLiteral("exec"), QStringLiteral("import inspect, zut\n"
+                                                  "help(zut.script.sys.execute_script)\n"
+                                                  "print(inspect.signature(zut.interactive.sys.execute_script))\n"
+                                                  "print(dir(zut.script.sys)[:3])\n")});
+  EXPECT_EQ(python.status, 0) << qPrintable(python.err);
+  for (const char* text :
+       {"execute_script(*, file, parameters=None, collect_stdout=None, collect_stderr=None)\n", "Execute Script\n",
+        "collect_stdout (boolean)\n", "\n(*, file=None, parameters=None, collect_stdout=None, collect_stderr=None)\n",
+        "['close_user_defined_dialog', 'create_user_defined_dialog', 'delay_script']\n"})
+    EXPECT_TRUE(python.out.contains(QString::fromLatin1(text))) << text << "\n" << qPrintable(python.out);
+}
+
 TEST_F(ZutProgram, WrongUsageExitsTwoAndHelpExitsZero)
 {
   for (const QStringList& arguments :
@@ -266,6 +327,21 @@ TEST_F(ZutProgram, ScriptsDroppedIntoTheUserLevelBecomeCommands)
   EXPECT_EQ(list[1].toObject().value(QStringLiteral("command")).toString(),
             QStringLiteral("userscript.my_tools.grüße"));
   EXPECT_EQ(list[1].toObject().value(QStringLiteral("level")).toString(), QStringLiteral("user"));
+}
+
+TEST_F(ZutProgram, ScriptsWhoseCommandNamesCollideAreListedUnderNamesOfTheirOwn)
+{
+  const QString scripts = home.filePath(QStringLiteral("data/zut/scripts"));
+  for (const char* folder : {"my tools", "my-tools", "my_tools"}) {
+    QDir().mkpath(scripts + QLatin1Char('/') + QString::fromLatin1(folder));
+    writeFile(scripts + QLatin1Char('/') + QString::fromLatin1(folder) + QStringLiteral("/x.py"),
+              QByteArray("print('") + folder + "')\n");
+  }
+  const Result list = zut({QStringLiteral("scripts")});
+  for (const char* line : {"my tools/x  userscript.my_tools.x_2\n", "my-tools/x  userscript.my_tools.x_3\n",
+                           "my_tools/x  userscript.my_tools.x\n"})
+    EXPECT_TRUE(list.out.contains(QString::fromLatin1(line))) << line << qPrintable(list.out);
+  EXPECT_EQ(zut({QStringLiteral("call"), QStringLiteral("userscript.my_tools.x_3")}).out, QStringLiteral("my-tools\n"));
 }
 
 TEST_F(ZutProgram, EditorToolsPrintBlocksColoursAndPictures)

@@ -11,11 +11,11 @@ using Meta = GApp::CommandMetaInfo;
 namespace {
 Meta::Argument contentArgument()
 {
-  return {QStringLiteral("content"), Meta::TYPE_STRING, QStringLiteral("the dialog definition text")};
+  return {QStringLiteral("content"), Meta::TYPE_STRING, QStringLiteral("the dialog definition text"), true};
 }
 Meta::Argument dialogArgument()
 {
-  return {QStringLiteral("dialog"), Meta::TYPE_OBJECT, QStringLiteral("a dialog handle")};
+  return {QStringLiteral("dialog"), Meta::TYPE_OBJECT, QStringLiteral("a dialog handle"), true};
 }
 
 // A dialog that waits for a person fails at once where nobody and nothing can answer it.

@@ -57,7 +57,7 @@ bool readIcon(const GScript::Script& script, QByteArray& icon, QString& reason)
 ImportScriptArchiveCommand::ImportScriptArchiveCommand()
     : MSysCommand(
           QStringLiteral("sys.import_script_archive"), {"MSysScript_cmd", "Import Script Archive", "id=10014"},
-          {{QStringLiteral("file"), Meta::TYPE_FILE, QStringLiteral("file name of the imported script archive")}})
+          {{QStringLiteral("file"), Meta::TYPE_FILE, QStringLiteral("file name of the imported script archive"), true}})
 {}
 
 bool ImportScriptArchiveCommand::prepareInteractive(GApp::CommandParameters& parameters)
@@ -106,9 +106,10 @@ void ImportScriptArchiveCommand::execute(const GApp::CommandParameters& paramete
 // ---------------------------------------------------------------------------------------------
 
 ExportScriptArchiveCommand::ExportScriptArchiveCommand()
-    : MSysCommand(QStringLiteral("sys.export_script_archive"), {"MSysScript_cmd", "Export Script Archive", "id=10030"},
-                  {{QStringLiteral("file"), Meta::TYPE_FILE, QStringLiteral("file name of the created script archive")},
-                   {QStringLiteral("names"), Meta::TYPE_LIST, QStringLiteral("names of scripts to export")}})
+    : MSysCommand(
+          QStringLiteral("sys.export_script_archive"), {"MSysScript_cmd", "Export Script Archive", "id=10030"},
+          {{QStringLiteral("file"), Meta::TYPE_FILE, QStringLiteral("file name of the created script archive"), true},
+           {QStringLiteral("names"), Meta::TYPE_LIST, QStringLiteral("names of scripts to export")}})
 {}
 
 bool ExportScriptArchiveCommand::prepareInteractive(GApp::CommandParameters& parameters)

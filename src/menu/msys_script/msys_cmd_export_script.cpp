@@ -168,7 +168,7 @@ bool writeScripts(GScript::ScriptDatabase& database, int level, const std::vecto
 ImportScriptCommand::ImportScriptCommand()
     : MSysCommand(
           QStringLiteral("sys.import_script"), {"MSysScript_cmd", "Import Script", "id=9991"},
-          {{QStringLiteral("files"), Meta::TYPE_LIST, QStringLiteral("file names of scripts to import")},
+          {{QStringLiteral("files"), Meta::TYPE_LIST, QStringLiteral("file names of scripts to import"), true},
            {QStringLiteral("names"), Meta::TYPE_LIST, QStringLiteral("names of scripts resulting from the import")},
            {QStringLiteral("config_level"), Meta::TYPE_CONFIG_LEVEL,
             QStringLiteral("config level where the scripts are stored")},
@@ -199,9 +199,12 @@ void ImportScriptCommand::execute(const GApp::CommandParameters& parameters)
   };
   const QStringList names = optionalList("names");
   const QStringList display_names = optionalList("display_names");
-  const int level = parameters.contains(QStringLiteral("config_level"))
-                        ? getArgument<int>(parameters, QStringLiteral("config_level"))
-                        : int(GScript::LEVEL_USER);
+  int level = GScript::LEVEL_USER;
+  if (parameters.contains(QStringLiteral("config_level")) &&
+      !Meta::readConfigLevel(parameters.get(QStringLiteral("config_level")).getValue(), level))
+    throw GApp::CommandError(
+        QString::fromLatin1(GApp::ERR_INVALID_ARGUMENT),
+        ErrorLog(QStringLiteral("config_level takes a %1").arg(Meta::typeCodeDescription(Meta::TYPE_CONFIG_LEVEL))));
   const bool replace = parameters.contains(QStringLiteral("replace_existing_scripts")) &&
                        getArgument<bool>(parameters, QStringLiteral("replace_existing_scripts"));
 
@@ -240,7 +243,7 @@ void ImportScriptCommand::execute(const GApp::CommandParameters& parameters)
 ExportScriptCommand::ExportScriptCommand()
     : MSysCommand(
           QStringLiteral("sys.export_script"), {"MSysScript_cmd", "Export Script", "id=10010"},
-          {{QStringLiteral("file"), Meta::TYPE_FILE, QStringLiteral("file name of the created script archive")}})
+          {{QStringLiteral("file"), Meta::TYPE_FILE, QStringLiteral("file name of the created script archive"), true}})
 {}
 
 bool ExportScriptCommand::prepareInteractive(GApp::CommandParameters& parameters)

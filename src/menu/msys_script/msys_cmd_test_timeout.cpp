@@ -10,7 +10,7 @@ double test_timeout = 0.0;
 SetTestTimeoutCommand::SetTestTimeoutCommand()
     : MSysCommand(
           QStringLiteral("sys.set_test_timeout"), {"MSysScript_cmd", "set timeout for script tests", nullptr},
-          {{QStringLiteral("timeout"), GApp::CommandMetaInfo::TYPE_DOUBLE, QStringLiteral("timeout in seconds")}})
+          {{QStringLiteral("timeout"), GApp::CommandMetaInfo::TYPE_DOUBLE, QStringLiteral("timeout in seconds"), true}})
 {}
 
 void SetTestTimeoutCommand::execute(const GApp::CommandParameters& parameters)

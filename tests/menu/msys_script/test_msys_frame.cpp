@@ -50,7 +50,7 @@ const std::vector<CommandRow>& expectedCommands()
 {
   static const std::vector<CommandRow> rows = {
       {"sys.delay_script", "Delay script execution", {{"time", Meta::TYPE_DOUBLE, "time to wait in seconds"}}},
-      {"sys.show_script_editor", "Edit Script", {}},
+      {"sys.show_script_editor", "Edit Script", {{"file", Meta::TYPE_STRING, nullptr}}},
       {"sys.execute_script",
        "Execute Script",
        {{"file", Meta::TYPE_FILE, "file name"},

@@ -296,10 +296,13 @@ TEST_F(ArchiveTest, ImportScriptCopiesFilesUnderTheirNewNames)
   parameters.set(QStringLiteral("replace_existing_scripts"), true);
   EXPECT_TRUE(failure("sys.import_script", parameters).isEmpty());
 
-  parameters.set(QStringLiteral("config_level"), 0);
+  parameters.set(QStringLiteral("config_level"), QStringLiteral("system"));
   EXPECT_EQ(failure("sys.import_script", parameters),
             QStringLiteral("MSysScriptErr-0006|The system level of the script database is read-only."));
-  parameters.set(QStringLiteral("config_level"), 2);
+  parameters.set(QStringLiteral("config_level"), QStringLiteral("admin"));
+  EXPECT_EQ(failure("sys.import_script", parameters),
+            QStringLiteral("GAppErr-0002|config_level takes a configuration level: 0, 1, 2 or system, public, user"));
+  parameters.set(QStringLiteral("config_level"), QStringLiteral("user"));
   parameters.set(QStringLiteral("names"), QVariantList{QStringLiteral("../escape")});
   EXPECT_EQ(failure("sys.import_script", parameters),
             QStringLiteral("MSysScriptErr-0006|'../escape.py' is not a valid script name: a part of it is empty, "
