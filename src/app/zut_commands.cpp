@@ -13,6 +13,7 @@
 #include <optional>
 
 #include "cfg/cfg.h"
+#include "core/color.h"
 #include "core/prog_error.h"
 #include "gapp/command.h"
 #include "gapp/command_container.h"
@@ -42,6 +43,8 @@ QJsonValue toJson(const QVariant& value)
 {
   if (value.typeId() == Vel::Trait::fileTypeId())
     return value.value<Vel::Parse::File>().getName();
+  if (value.typeId() == qMetaTypeId<Vel::Color>())
+    return value.value<Vel::Color>().toString();
   if (value.typeId() == QMetaType::QVariantList || value.typeId() == QMetaType::QStringList) {
     QJsonArray array;
     for (const QVariant& element : value.toList())
@@ -475,6 +478,120 @@ int lint(ZutHost& host, const QStringList& arguments, bool json)
   return any_fault ? EXIT_FAILED : EXIT_OK;
 }
 
+// Loads answers for the dialogs that wait where no person is (from --answers or
+// ZUT_DIALOG_ANSWERS) and where to record a person's (--record-answers).
+bool prepareDialogAnswers(ZutHost& host, const char* sub_command, QString answers, const QString& record)
+{
+  if (answers.isEmpty())
+    answers = qEnvironmentVariable("ZUT_DIALOG_ANSWERS");
+  if (answers.isEmpty() && record.isEmpty())
+    return true;
+  const ModuleTool<char* (*)(const char*, const char*)> prepare(host, "PrepareDialogAnswers");
+  const std::optional<QString> fault =
+      prepare ? prepare(answers.toLocal8Bit().constData(), record.toLocal8Bit().constData()) : std::nullopt;
+  if (!fault) {
+    printErr(QStringLiteral("zut %1: the scripting module cannot take dialog answers\n").arg(QString::fromLatin1(sub_command)));
+    return false;
+  }
+  if (fault->isEmpty())
+    return true;
+  printErr(*fault + QLatin1Char('\n'));
+  return false;
+}
+
+// Answers that no dialog asked for are likely a mistake in the file or the script: said, not fatal.
+void reportUnusedAnswers(ZutHost& host)
+{
+  const ModuleTool<char* (*)()> unused(host, "UnusedDialogAnswers");
+  if (const std::optional<QString> lines = unused ? unused() : std::nullopt; lines && !lines->isEmpty())
+    printErr(QStringLiteral("zut: warning: ") + QString(*lines).replace(QStringLiteral("\n"), QStringLiteral("\nzut: warning: ")).chopped(14));
+}
+
+// Executes a dialog definition: shown to a person, answered from a file, or pictured and listed.
+int dialog(ZutHost& host, const QStringList& arguments, bool json)
+{
+  QString file;
+  QString answers;
+  QString record;
+  QString screenshot;
+  bool dump = false;
+  for (int i = 0; i < arguments.size(); ++i) {
+    const QString& argument = arguments[i];
+    const auto value = [&](QString& target) {
+      if (++i >= arguments.size())
+        return false;
+      target = arguments[i];
+      return true;
+    };
+    if (argument == QLatin1String("--answers")) {
+      if (!value(answers))
+        return usage("dialog", QStringLiteral("--answers needs a FILE.json"));
+    } else if (argument == QLatin1String("--record-answers")) {
+      if (!value(record))
+        return usage("dialog", QStringLiteral("--record-answers needs a FILE.json"));
+    } else if (argument == QLatin1String("--screenshot")) {
+      if (!value(screenshot))
+        return usage("dialog", QStringLiteral("--screenshot needs a FILE.png"));
+    } else if (argument == QLatin1String("--dump")) {
+      dump = true;
+    } else if (file.isEmpty() && !argument.startsWith(QLatin1Char('-'))) {
+      file = argument;
+    } else {
+      return usage("dialog", QStringLiteral("unexpected argument '%1'").arg(argument));
+    }
+  }
+  if (file.isEmpty())
+    return usage("dialog", QStringLiteral("no FILE.xml given"));
+  QByteArray content;
+  if (!readSource("dialog", file, content))
+    return EXIT_FAILED;
+
+  if (dump || !screenshot.isEmpty()) {
+    const ModuleTool<char* (*)(const char*, const char*, int, int*)> describe(host, "DescribeDialog");
+    int faulty = 0;
+    const std::optional<QString> result =
+        describe ? describe(content.constData(), screenshot.toLocal8Bit().constData(), json ? 1 : 0, &faulty)
+                 : std::nullopt;
+    if (!result) {
+      printErr(QStringLiteral("zut dialog: the scripting module cannot build dialogs\n"));
+      return EXIT_FAILED;
+    }
+    if (faulty) {
+      printErr(QStringLiteral("%1:%2\n").arg(file, *result));
+      return EXIT_FAILED;
+    }
+    if (dump)
+      printOut(*result);
+    return EXIT_OK;
+  }
+
+  if (!prepareDialogAnswers(host, "dialog", answers, record))
+    return EXIT_FAILED;
+  Vel::GApp::Command* command =
+      Vel::GApp::CommandContainer::getInstance().getCommand(QStringLiteral("sys.execute_user_defined_dialog"));
+  try {
+    Vel::GApp::CommandParameters parameters;
+    parameters.set(QStringLiteral("content"), QString::fromUtf8(content));
+    const QVariantMap result = command->run(parameters, false).toMap();
+    reportUnusedAnswers(host);
+    if (json) {
+      printJson(toJson(result).toObject());
+    } else {
+      QString text = QStringLiteral("result = %1\n")
+                         .arg(Vel::GScript::PythonInterpreter::repr(result.value(QStringLiteral("result"))));
+      const QVariantMap values = result.value(QStringLiteral("values")).toMap();
+      for (auto value = values.begin(); value != values.end(); ++value)
+        text += QStringLiteral("%1 = %2\n").arg(value.key(), Vel::GScript::PythonInterpreter::repr(value.value()));
+      printOut(text);
+    }
+    return EXIT_OK;
+  } catch (const Vel::GApp::CommandError& error) {
+    reportUnusedAnswers(host);
+    printErr(QStringLiteral("%1: %2\n").arg(file, error.getText()));
+    return EXIT_FAILED;
+  }
+}
+
 const SubCommand SUB_COMMANDS[] = {
     {"run", "FILE.py [-p NAME=VALUE]...",
      "Runs a Python script file through the command sys.execute_script. Each -p passes a parameter,\n"
@@ -512,6 +629,12 @@ const SubCommand SUB_COMMANDS[] = {
      "each fault as FILE:LINE: message and exits 1 if there is any. --normalize prints the\n"
      "definition as it is written now (older words converted).",
      true, lint},
+    {"dialog", "FILE.xml [--answers A.json] [--record-answers A.json] [--json] | FILE.xml --screenshot PNG | FILE.xml --dump [--json]",
+     "Executes a user-defined dialog and prints its result and values. Without a display it needs\n"
+     "answers (--answers or ZUT_DIALOG_ANSWERS), or it fails at once. --screenshot writes a picture\n"
+     "of the dialog as it first appears; --dump lists its elements (row, column, spans, type, name,\n"
+     "value, enabled).",
+     true, dialog},
     {"config", "[KEY [VALUE]] [--json]",
      "Lists the configuration items, prints one, or sets one. A value is checked against the\n"
      "item's type and range and saved at once.",

@@ -1,5 +1,6 @@
 #include <QDir>
 #include <QFile>
+#include <QImage>
 #include <QJsonArray>
 #include <QJsonDocument>
 #include <QJsonObject>
@@ -467,4 +468,45 @@ TEST_F(ZutProgram, ExampleDialogsPassLintAndBareElementsNormalizeToTheirDefaults
                                "<icon_size>icon</icon_size>", "<icon_system_size>default</icon_system_size>"})
     EXPECT_TRUE(normalized.out.contains(QString::fromLatin1(expected))) << expected << "\n" << qPrintable(normalized.out);
   EXPECT_FALSE(normalized.out.contains(QStringLiteral("<unit>")));
+}
+
+TEST_F(ZutProgram, DialogsRunOnAnswersOrFailAtOnceAndArePicturedAndListed)
+{
+  const QString example = qEnvironmentVariable("ZUT_SOURCE_DIR") + QStringLiteral("/examples/dialogs/inputs_and_buttons.xml");
+  const QString answers = file("answers.json", R"([{"title": "Bore inspection", "values": {"diameter": 30, "part": "B-2"},
+                                                   "button": "cancel"}, {"title": "Later"}])");
+  const QString bad = file("bad.json", R"([{"values": {"points": 2}}])");
+  const QString picture = home.filePath(QStringLiteral("dialog.png"));
+  struct Case
+  {
+    QStringList arguments;
+    int status;
+    const char* out;
+    const char* err;
+  };
+  const QString d = QStringLiteral("dialog");
+  const QString a = QStringLiteral("--answers");
+  for (const Case& c : {
+           // Nobody to answer: at once, never waiting.
+           Case{{d, example}, 1, "", "waits for a person, but there is no display and no answer for it."},
+           Case{{d, example, a, answers}, 0, "result = False\ndiameter = 30.0\n",
+                "warning: Answer 2 (Later) was not used: no dialog asked for it."},
+           Case{{d, example, a, answers, QStringLiteral("--json")}, 0, "\"marker\": \"#008080ff\"", ""},
+           Case{{d, example, a, bad}, 1, "", "the value 2 of element \"points\" is outside 3 to 360."},
+           Case{{d, example, a, home.filePath(QStringLiteral("missing.json"))}, 1, "", "Cannot read the dialog answers"},
+           Case{{d, example, QStringLiteral("--dump")}, 0, "2,0 1x2 input::string part = 'Housing A-17'\n", ""},
+           Case{{d, example, QStringLiteral("--dump"), QStringLiteral("--json")}, 0, "\"type\": \"button::abort\"", ""},
+           Case{{d, example, QStringLiteral("--screenshot"), picture}, 0, "", ""},
+           Case{{d, file("broken.xml", "<dialog>\n<title>T</title>\n</dialog>\n"), QStringLiteral("--dump")}, 1, "",
+                "1: The element with tag \"control\" is missing."},
+           Case{{d}, 2, "", "no FILE.xml given"},
+       }) {
+    const Result result = zut(c.arguments);
+    EXPECT_EQ(result.status, c.status) << qPrintable(c.arguments.join(' ')) << "\n" << qPrintable(result.err);
+    EXPECT_TRUE(result.out.contains(QString::fromUtf8(c.out))) << qPrintable(result.out);
+    EXPECT_TRUE(result.err.contains(QString::fromUtf8(c.err))) << qPrintable(result.err);
+  }
+  EXPECT_FALSE(QImage(picture).isNull());
+  // A listing is the same on every run.
+  EXPECT_EQ(zut({d, example, QStringLiteral("--dump")}).out, zut({d, example, QStringLiteral("--dump")}).out);
 }
