@@ -20,7 +20,12 @@ struct SubCommand
   // Whether the sub-command needs the scripting module loaded.
   bool needs_module;
   int (*run)(ZutHost& host, const QStringList& arguments, bool json);
+  // Whether "--" stays among the arguments, for a sub-command that hands on what follows it.
+  bool keeps_separator = false;
 };
+
+// The argument that ends a sub-command's options.
+inline const char* const OPTIONS_END = "--";
 
 const SubCommand* findSubCommand(const QString& name);
 const SubCommand* subCommands(int& count);
