@@ -35,7 +35,8 @@ def main(arguments):
         return 2
     # As the regression test runner without -u: no network, no huge files, no long computations.
     support.use_resources = []
-    with os_helper.temp_cwd():
+    # A folder of its own: several drivers may run at once.
+    with os_helper.temp_cwd(None):
         for name in names:
             run_module(name, verbose)
     return 0
