@@ -340,11 +340,15 @@ const PythonLikeRun PYTHON_LIKE_RUNS[] = {
      {}},
     {"NestedRunIsMainWhileItRuns",
      {{"outer.py", "import os, sys, zut\nhere = sys.path[0]\n"
-                   "zut.script.sys.execute_script(file=os.path.join(here, 'inner', 'inner.py'), arguments=['x'])\n"
+                   "try:\n"
+                   "    zut.script.sys.execute_script(file=os.path.join(here, 'inner', 'inner.py'), arguments=['x'])\n"
+                   "except zut.CommandError:\n    pass\n"
                    "print(sys.modules['__main__'].__file__ == __file__, sys.argv[1:], sys.path.count(here), "
                    "sys.path[0] == here)\n"},
       {"inner/inner.py", "import sys\nprint(__name__, sys.modules['__main__'].__file__.endswith('inner.py'), "
-                         "sys.argv[1:], sys.path[0].endswith('inner'))\n"}},
+                         "sys.argv[1:], sys.path[0].endswith('inner'))\n"
+                         // Put back after a failure too.
+                         "raise SystemExit(3)\n"}},
      {},
      0,
      "__main__ True ['x'] True\nTrue [] 1 True\n",

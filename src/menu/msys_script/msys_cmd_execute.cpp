@@ -83,9 +83,9 @@ ExecuteScriptCommand::ExecuteScriptCommand()
     : MSysCommand(QStringLiteral("sys.execute_script"), {"MSysScript_cmd", "Execute Script", "id=25938"},
                   {{ARG_FILE, Meta::TYPE_FILE, QStringLiteral("file name")},
                    parametersArgument(),
-                   {ARG_ARGUMENTS, Meta::TYPE_LIST, QStringLiteral("arguments of the script, after its name in sys.argv")},
                    stdoutArgument(),
-                   stderrArgument()},
+                   stderrArgument(),
+                   {ARG_ARGUMENTS, Meta::TYPE_LIST, QStringLiteral("arguments of the script, after its name in sys.argv")}},
                   {"MSysScript_menu", "Execute Script", "id=9986"})
 {}
 
