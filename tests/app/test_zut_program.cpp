@@ -313,66 +313,77 @@ struct PythonLikeRun
 
 const PythonLikeRun PYTHON_LIKE_RUNS[] = {
     {"MainModule",
-     {{"main.py", "import pickle, sys, typing, unittest\n"
-                  "class Point:\n    near: 'Later'\nclass Later: pass\n"
-                  "assert sys.modules['__main__'].__dict__ is globals() and __file__ == sys.argv[0]\n"
-                  "print(type(pickle.loads(pickle.dumps(Point()))).__name__, "
-                  "typing.get_type_hints(Point)['near'].__name__)\n"
-                  "class Test(unittest.TestCase):\n"
-                  "    def test_one(self): pass\n    def test_two(self): pass\n"
-                  "unittest.main()\n"}},
+     {{"main.py",
+       "import pickle, sys, typing, unittest\n"
+       "class Point:\n    near: 'Later'\nclass Later: pass\n"
+       "assert sys.modules['__main__'].__dict__ is globals() and __file__ == sys.argv[0]\n"
+       "print(type(pickle.loads(pickle.dumps(Point()))).__name__, "
+       "typing.get_type_hints(Point)['near'].__name__)\n"
+       "class Test(unittest.TestCase):\n"
+       "    def test_one(self): pass\n    def test_two(self): pass\n"
+       "unittest.main()\n"}},
      {},
      0,
      "Point Later\n",
      {"Ran 2 tests"}},
     {"ArgumentsPathAndExecutable",
-     {{"main.py", "import os, subprocess, sys\nimport sibling\n"
-                  "print(sys.argv[1:], PARAMETERS, sibling.NAME, "
-                  "sys.path[0] == os.path.dirname(os.path.realpath(__file__)))\n"
-                  // The python3 that sys.executable names is the embedded version, whatever PATH says.
-                  "version = subprocess.run([sys.executable, '-c', 'import sys; print(sys.version)'],\n"
-                  "                         capture_output=True, text=True).stdout\n"
-                  "print(version == sys.version + '\\n')\n"},
+     {{"main.py",
+       "import os, subprocess, sys\nimport sibling\n"
+       "print(sys.argv[1:], PARAMETERS, sibling.NAME, "
+       "sys.path[0] == os.path.dirname(os.path.realpath(__file__)))\n"
+       // The python3 that sys.executable names is the embedded version, whatever PATH says.
+       "version = subprocess.run([sys.executable, '-c', 'import sys; print(sys.version)'],\n"
+       "                         capture_output=True, text=True).stdout\n"
+       "print(version == sys.version + '\\n')\n"},
       {"sibling.py", "NAME = 'sibling'\n"}},
      {"a", "-p", "n=1", "b", "--", "-p", "--help"},
      0,
      "['a', 'b', '-p', '--help'] {'n': 1} sibling True\nTrue\n",
      {}},
     {"NestedRunIsMainWhileItRuns",
-     {{"outer.py", "import os, sys, zut\nhere = sys.path[0]\n"
-                   "try:\n"
-                   "    zut.script.sys.execute_script(file=os.path.join(here, 'inner', 'inner.py'), arguments=['x'])\n"
-                   "except zut.CommandError:\n    pass\n"
-                   "print(sys.modules['__main__'].__file__ == __file__, sys.argv[1:], sys.path.count(here), "
-                   "sys.path[0] == here)\n"},
-      {"inner/inner.py", "import sys\nprint(__name__, sys.modules['__main__'].__file__.endswith('inner.py'), "
-                         "sys.argv[1:], sys.path[0].endswith('inner'))\n"
-                         // Put back after a failure too.
-                         "raise SystemExit(3)\n"}},
+     {{"outer.py",
+       "import os, sys, zut\nhere = sys.path[0]\n"
+       "try:\n"
+       "    zut.script.sys.execute_script(file=os.path.join(here, 'inner', 'inner.py'), arguments=['x'])\n"
+       "except zut.CommandError:\n    pass\n"
+       "print(sys.modules['__main__'].__file__ == __file__, sys.argv[1:], sys.path.count(here), "
+       "sys.path[0] == here)\n"},
+      {"inner/inner.py",
+       "import sys\nprint(__name__, sys.modules['__main__'].__file__.endswith('inner.py'), "
+       "sys.argv[1:], sys.path[0].endswith('inner'))\n"
+       // Put back after a failure too.
+       "raise SystemExit(3)\n"}},
      {},
      0,
      "__main__ True ['x'] True\nTrue [] 1 True\n",
      {}},
     {"NamespaceOutlivesTheRun",
-     {{"main.py", "import atexit, threading, time\nWORD = 'kept'\n"
-                  "atexit.register(lambda: print('atexit', WORD))\n"
-                  "def later():\n    time.sleep(0.1)\n    print('thread', WORD)\n"
-                  "threading.Thread(target=later).start()\n"}},
+     {{"main.py",
+       "import atexit, threading, time\nWORD = 'kept'\n"
+       "atexit.register(lambda: print('atexit', WORD))\n"
+       "def later():\n    time.sleep(0.1)\n    print('thread', WORD)\n"
+       "threading.Thread(target=later).start()\n"}},
      {},
      0,
      "thread kept\natexit kept\n",
      {}},
     {"MultiprocessingForkAndSpawn",
-     {{"main.py", "import multiprocessing\ndef square(x): return x * x\n"
-                  "if __name__ == '__main__':\n"
-                  "    for method in ('fork', 'spawn'):\n"
-                  "        with multiprocessing.get_context(method).Pool(2) as pool:\n"
-                  "            print(method, pool.map(square, range(4)))\n"}},
+     {{"main.py",
+       "import multiprocessing\ndef square(x): return x * x\n"
+       "if __name__ == '__main__':\n"
+       "    for method in ('fork', 'spawn'):\n"
+       "        with multiprocessing.get_context(method).Pool(2) as pool:\n"
+       "            print(method, pool.map(square, range(4)))\n"}},
      {},
      0,
      "fork [0, 1, 4, 9]\nspawn [0, 1, 4, 9]\n",
      {}},
-    {"DeclaredEncoding", {{"latin.py", "# -*- coding: latin-1 -*-\nprint(ascii('caf\xe9'))\n"}}, {}, 0, "'caf\\xe9'\n", {}},
+    {"DeclaredEncoding",
+     {{"latin.py", "# -*- coding: latin-1 -*-\nprint(ascii('caf\xe9'))\n"}},
+     {},
+     0,
+     "'caf\\xe9'\n",
+     {}},
     {"UndeclaredEncodingIsALoadError",
      {{"bad.py", "x = 1\n# caf\xe9\n"}},
      {},
@@ -419,14 +430,15 @@ INSTANTIATE_TEST_SUITE_P(Scripts, ZutRunsLikePython, ::testing::ValuesIn(PYTHON_
 // is gone, instead of the program dying.
 TEST_F(ZutProgram, ABrokenPipeIsAnErrorTheScriptCatches)
 {
-  const QString script = file("pipe.py", "import os, sys\n"
-                                         "try:\n"
-                                         "    for i in range(100000):\n"
-                                         "        print('line', i)\n"
-                                         "    sys.stdout.flush()\n"
-                                         "except BrokenPipeError:\n"
-                                         "    os.dup2(os.open(os.devnull, os.O_WRONLY), sys.stdout.fileno())\n"
-                                         "    print('caught', file=sys.stderr)\n");
+  const QString script = file("pipe.py",
+                              "import os, sys\n"
+                              "try:\n"
+                              "    for i in range(100000):\n"
+                              "        print('line', i)\n"
+                              "    sys.stdout.flush()\n"
+                              "except BrokenPipeError:\n"
+                              "    os.dup2(os.open(os.devnull, os.O_WRONLY), sys.stdout.fileno())\n"
+                              "    print('caught', file=sys.stderr)\n");
   QProcess program;
   QProcess head;
   program.setStandardOutputProcess(&head);

@@ -80,13 +80,14 @@ bool applyRunArguments(const GApp::CommandParameters& parameters, GScript::Execu
 // ---------------------------------------------------------------------------------------------
 
 ExecuteScriptCommand::ExecuteScriptCommand()
-    : MSysCommand(QStringLiteral("sys.execute_script"), {"MSysScript_cmd", "Execute Script", "id=25938"},
-                  {{ARG_FILE, Meta::TYPE_FILE, QStringLiteral("file name")},
-                   parametersArgument(),
-                   stdoutArgument(),
-                   stderrArgument(),
-                   {ARG_ARGUMENTS, Meta::TYPE_LIST, QStringLiteral("arguments of the script, after its name in sys.argv")}},
-                  {"MSysScript_menu", "Execute Script", "id=9986"})
+    : MSysCommand(
+          QStringLiteral("sys.execute_script"), {"MSysScript_cmd", "Execute Script", "id=25938"},
+          {{ARG_FILE, Meta::TYPE_FILE, QStringLiteral("file name")},
+           parametersArgument(),
+           stdoutArgument(),
+           stderrArgument(),
+           {ARG_ARGUMENTS, Meta::TYPE_LIST, QStringLiteral("arguments of the script, after its name in sys.argv")}},
+          {"MSysScript_menu", "Execute Script", "id=9986"})
 {}
 
 bool ExecuteScriptCommand::readScriptFile(const QString& path, QByteArray& source, ErrorLog& log)
