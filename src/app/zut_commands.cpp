@@ -122,13 +122,19 @@ int runCommand(const QString& name, const Vel::GApp::CommandParameters& paramete
   }
 }
 
+// zut run FILE.py [-p NAME=VALUE]... [ARGS...] [-- ARGS...]: the options are zut's up to "--",
+// every other argument after the file is the script's (sys.argv[1:]).
 int runScript(ZutHost&, const QStringList& arguments, bool)
 {
   QString file;
+  QStringList script_arguments;
   QVariantMap parameters;
+  bool options = true;
   for (int i = 0; i < arguments.size(); ++i) {
     const QString& argument = arguments[i];
-    if (argument == QLatin1String("-p") || argument == QLatin1String("--parameter")) {
+    if (options && argument == QLatin1String(OPTIONS_END)) {
+      options = false;
+    } else if (options && (argument == QLatin1String("-p") || argument == QLatin1String("--parameter"))) {
       if (++i >= arguments.size())
         return usage("run", QStringLiteral("%1 needs NAME=VALUE").arg(argument));
       QString name;
@@ -139,7 +145,7 @@ int runScript(ZutHost&, const QStringList& arguments, bool)
     } else if (file.isEmpty()) {
       file = argument;
     } else {
-      return usage("run", QStringLiteral("unexpected argument '%1'").arg(argument));
+      script_arguments << argument;
     }
   }
   if (file.isEmpty())
@@ -148,6 +154,8 @@ int runScript(ZutHost&, const QStringList& arguments, bool)
   command_parameters.set(QStringLiteral("file"), QVariant::fromValue(Vel::Parse::File(file)));
   if (!parameters.isEmpty())
     command_parameters.set(QStringLiteral("parameters"), QVariant(parameters));
+  if (!script_arguments.isEmpty())
+    command_parameters.set(QStringLiteral("arguments"), QVariant(script_arguments));
   return runCommand(QStringLiteral("sys.execute_script"), command_parameters, false, false);
 }
 
@@ -593,11 +601,13 @@ int dialog(ZutHost& host, const QStringList& arguments, bool json)
 }
 
 const SubCommand SUB_COMMANDS[] = {
-    {"run", "FILE.py [-p NAME=VALUE]...",
-     "Runs a Python script file through the command sys.execute_script. Each -p passes a parameter,\n"
-     "visible to the script in the dictionary PARAMETERS; VALUE is read as a Python literal, or\n"
-     "taken as text when it is none.",
-     true, runScript},
+    {"run", "FILE.py [-p NAME=VALUE]... [ARGS...] [-- ARGS...]",
+     "Runs a Python script file through the command sys.execute_script, as python3 runs it: as the\n"
+     "module __main__, with sys.argv the file and the ARGS, and the file's folder first on\n"
+     "sys.path. Each -p passes a parameter, visible to the script in the dictionary PARAMETERS;\n"
+     "VALUE is read as a Python literal, or taken as text when it is none. Arguments after \"--\"\n"
+     "go to the script even when they look like options.",
+     true, runScript, false, true},
     {"exec", "CODE", "Runs Python text through the command sys.execute_python_code.", true, execCode},
     {"call", "COMMAND [ARG=VALUE]... [--json]",
      "Runs any registered command and prints its result. VALUE is read as a Python literal\n"

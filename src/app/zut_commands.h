@@ -22,7 +22,12 @@ struct SubCommand
   int (*run)(ZutHost& host, const QStringList& arguments, bool json);
   // Whether --help after the first operand asks about the operand (zut call COMMAND --help).
   bool operand_help = false;
+  // Whether "--" stays among the arguments, for a sub-command that hands on what follows it.
+  bool keeps_separator = false;
 };
+
+// The argument that ends a sub-command's options.
+inline const char* const OPTIONS_END = "--";
 
 const SubCommand* findSubCommand(const QString& name);
 const SubCommand* subCommands(int& count);

@@ -2,6 +2,8 @@
 
 #include <QApplication>
 
+#include <csignal>
+
 #include "gapp/command.h"
 #include "gtools/error_dialog.h"
 #include "zut_commands.h"
@@ -40,6 +42,9 @@ QString help(const SubCommand& sub_command)
 int main(int argc, char* argv[])
 {
   Vel::GTools::prepareGuiEnvironment();
+  // As python3 does: writing to a closed pipe is an error (BrokenPipeError in a script), not
+  // the end of the program.
+  std::signal(SIGPIPE, SIG_IGN);
 
   QStringList arguments;
   for (int i = 1; i < argc; ++i)
@@ -65,8 +70,10 @@ int main(int argc, char* argv[])
   QStringList rest;
   bool options = true;
   for (const QString& argument : arguments) {
-    if (options && argument == QLatin1String("--")) {
+    if (options && argument == QLatin1String(OPTIONS_END)) {
       options = false;
+      if (sub_command->keeps_separator)
+        rest << argument;
     } else if (options && (argument == QLatin1String("--help") || argument == QLatin1String("-h")) &&
                !(sub_command->operand_help && !rest.isEmpty())) {
       printOut(help(*sub_command));

@@ -1,5 +1,6 @@
 #include <QDir>
 #include <QFile>
+#include <QFileInfo>
 #include <QImage>
 #include <QJsonArray>
 #include <QJsonDocument>
@@ -13,6 +14,7 @@
 #include <gtest/gtest.h>
 #include <map>
 #include <memory>
+#include <utility>
 #include <vector>
 
 #include "test_util.h"
@@ -509,4 +511,159 @@ TEST_F(ZutProgram, DialogsRunOnAnswersOrFailAtOnceAndArePicturedAndListed)
   EXPECT_FALSE(QImage(picture).isNull());
   // A listing is the same on every run.
   EXPECT_EQ(zut({d, example, QStringLiteral("--dump")}).out, zut({d, example, QStringLiteral("--dump")}).out);
+
+namespace {
+
+// A script run as python3 would run it: the files are written to a folder of their own, the
+// first is run with the arguments, and what it prints is compared.
+struct PythonLikeRun
+{
+  const char* name;
+  std::vector<std::pair<const char*, QByteArray>> files;
+  QStringList arguments;
+  int status;
+  QString out;
+  // Each must be in standard error; "%1" stands for the case's folder.
+  QStringList err;
+};
+
+const PythonLikeRun PYTHON_LIKE_RUNS[] = {
+    {"MainModule",
+     {{"main.py",
+       "import pickle, sys, typing, unittest\n"
+       "class Point:\n    near: 'Later'\nclass Later: pass\n"
+       "assert sys.modules['__main__'].__dict__ is globals() and __file__ == sys.argv[0]\n"
+       "print(type(pickle.loads(pickle.dumps(Point()))).__name__, "
+       "typing.get_type_hints(Point)['near'].__name__)\n"
+       "class Test(unittest.TestCase):\n"
+       "    def test_one(self): pass\n    def test_two(self): pass\n"
+       "unittest.main()\n"}},
+     {},
+     0,
+     "Point Later\n",
+     {"Ran 2 tests"}},
+    {"ArgumentsPathAndExecutable",
+     {{"main.py",
+       "import os, subprocess, sys\nimport sibling\n"
+       "print(sys.argv[1:], PARAMETERS, sibling.NAME, "
+       "sys.path[0] == os.path.dirname(os.path.realpath(__file__)))\n"
+       // The python3 that sys.executable names is the embedded version, whatever PATH says.
+       "version = subprocess.run([sys.executable, '-c', 'import sys; print(sys.version)'],\n"
+       "                         capture_output=True, text=True).stdout\n"
+       "print(version == sys.version + '\\n')\n"},
+      {"sibling.py", "NAME = 'sibling'\n"}},
+     {"a", "-p", "n=1", "b", "--", "-p", "--help"},
+     0,
+     "['a', 'b', '-p', '--help'] {'n': 1} sibling True\nTrue\n",
+     {}},
+    {"NestedRunIsMainWhileItRuns",
+     {{"outer.py",
+       "import os, sys, zut\nhere = sys.path[0]\n"
+       "try:\n"
+       "    zut.script.sys.execute_script(file=os.path.join(here, 'inner', 'inner.py'), arguments=['x'])\n"
+       "except zut.CommandError:\n    pass\n"
+       "print(sys.modules['__main__'].__file__ == __file__, sys.argv[1:], sys.path.count(here), "
+       "sys.path[0] == here)\n"},
+      {"inner/inner.py",
+       "import sys\nprint(__name__, sys.modules['__main__'].__file__.endswith('inner.py'), "
+       "sys.argv[1:], sys.path[0].endswith('inner'))\n"
+       // Put back after a failure too.
+       "raise SystemExit(3)\n"}},
+     {},
+     0,
+     "__main__ True ['x'] True\nTrue [] 1 True\n",
+     {}},
+    {"NamespaceOutlivesTheRun",
+     {{"main.py",
+       "import atexit, threading, time\nWORD = 'kept'\n"
+       "atexit.register(lambda: print('atexit', WORD))\n"
+       "def later():\n    time.sleep(0.1)\n    print('thread', WORD)\n"
+       "threading.Thread(target=later).start()\n"}},
+     {},
+     0,
+     "thread kept\natexit kept\n",
+     {}},
+    {"MultiprocessingForkAndSpawn",
+     {{"main.py",
+       "import multiprocessing\ndef square(x): return x * x\n"
+       "if __name__ == '__main__':\n"
+       "    for method in ('fork', 'spawn'):\n"
+       "        with multiprocessing.get_context(method).Pool(2) as pool:\n"
+       "            print(method, pool.map(square, range(4)))\n"}},
+     {},
+     0,
+     "fork [0, 1, 4, 9]\nspawn [0, 1, 4, 9]\n",
+     {}},
+    {"DeclaredEncoding",
+     {{"latin.py", "# -*- coding: latin-1 -*-\nprint(ascii('caf\xe9'))\n"}},
+     {},
+     0,
+     "'caf\\xe9'\n",
+     {}},
+    {"UndeclaredEncodingIsALoadError",
+     {{"bad.py", "x = 1\n# caf\xe9\n"}},
+     {},
+     1,
+     "",
+     {"MSysScriptErr-0002: Error loading script", "File \"%1/bad.py\", line 2",
+      "Non-UTF-8 code starting with '\\xe9' in file %1/bad.py on line 2, but no encoding declared"}},
+};
+
+void PrintTo(const PythonLikeRun& run, std::ostream* stream)
+{
+  *stream << run.name;
+}
+
+class ZutRunsLikePython : public ZutProgram, public ::testing::WithParamInterface<PythonLikeRun>
+{};
+
+}  // namespace
+
+TEST_P(ZutRunsLikePython, Prints)
+{
+  const PythonLikeRun& run = GetParam();
+  const QString folder = home.filePath(QString::fromLatin1(run.name));
+  for (const auto& [name, text] : run.files) {
+    const QString path = folder + QLatin1Char('/') + QString::fromLatin1(name);
+    QDir().mkpath(QFileInfo(path).absolutePath());
+    ASSERT_TRUE(writeFile(path, text));
+  }
+  const Result result =
+      zut(QStringList{QStringLiteral("run"), folder + QLatin1Char('/') + QString::fromLatin1(run.files.front().first)} +
+          run.arguments);
+  EXPECT_EQ(result.status, run.status) << qPrintable(result.err);
+  EXPECT_EQ(result.out, run.out) << qPrintable(result.err);
+  for (QString expected : run.err) {
+    expected.replace(QStringLiteral("%1"), folder);
+    EXPECT_TRUE(result.err.contains(expected)) << qPrintable(expected) << "\n" << qPrintable(result.err);
+  }
+}
+
+INSTANTIATE_TEST_SUITE_P(Scripts, ZutRunsLikePython, ::testing::ValuesIn(PYTHON_LIKE_RUNS),
+                         [](const ::testing::TestParamInfo<PythonLikeRun>& info) { return info.param.name; });
+
+// SIGPIPE is ignored as python3 ignores it: the script sees a BrokenPipeError when the reader
+// is gone, instead of the program dying.
+TEST_F(ZutProgram, ABrokenPipeIsAnErrorTheScriptCatches)
+{
+  const QString script = file("pipe.py",
+                              "import os, sys\n"
+                              "try:\n"
+                              "    for i in range(100000):\n"
+                              "        print('line', i)\n"
+                              "    sys.stdout.flush()\n"
+                              "except BrokenPipeError:\n"
+                              "    os.dup2(os.open(os.devnull, os.O_WRONLY), sys.stdout.fileno())\n"
+                              "    print('caught', file=sys.stderr)\n");
+  QProcess program;
+  QProcess head;
+  program.setStandardOutputProcess(&head);
+  head.start(QStringLiteral("head"), {QStringLiteral("-n1")});
+  start(program, {QStringLiteral("run"), script});
+  ASSERT_TRUE(program.waitForFinished(60000));
+  ASSERT_TRUE(head.waitForFinished(60000));
+  EXPECT_EQ(QString::fromUtf8(head.readAllStandardOutput()), QStringLiteral("line 0\n"));
+  EXPECT_EQ(program.exitStatus(), QProcess::NormalExit);
+  EXPECT_EQ(program.exitCode(), 0);
+  EXPECT_EQ(QString::fromUtf8(program.readAllStandardError()), QStringLiteral("caught\n"));
 }

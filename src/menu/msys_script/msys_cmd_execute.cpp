@@ -3,7 +3,6 @@
 #include <QDir>
 #include <QFile>
 #include <QFileDialog>
-#include <QTextStream>
 
 #include "core/translate.h"
 #include "gapp/app_status_manager.h"
@@ -20,6 +19,7 @@ namespace {
 const QString ARG_FILE = QStringLiteral("file");
 const QString ARG_CODE = QStringLiteral("code");
 const QString ARG_PARAMETERS = QStringLiteral("parameters");
+const QString ARG_ARGUMENTS = QStringLiteral("arguments");
 const QString ARG_COLLECT_STDOUT = QStringLiteral("collect_stdout");
 const QString ARG_COLLECT_STDERR = QStringLiteral("collect_stderr");
 
@@ -44,11 +44,10 @@ public:
   ~ActiveMenuCommand() { GApp::AppStatusManager::popActiveMenuCommand(); }
 };
 
-// Runs prepared Python text as `command` and fails with the run's code and log.
-void runText(GApp::Command& command, const GApp::CommandParameters& parameters, const QString& text,
+// Runs prepared Python as `command` and fails with the run's code and log.
+void runText(GApp::Command& command, const GApp::CommandParameters& parameters, GScript::Execute& run,
              const QString& file_name, QString code, ErrorLog& log)
 {
-  GScript::Execute run(text);
   const bool collect = applyRunArguments(parameters, run);
   bool success = false;
   {
@@ -81,15 +80,17 @@ bool applyRunArguments(const GApp::CommandParameters& parameters, GScript::Execu
 // ---------------------------------------------------------------------------------------------
 
 ExecuteScriptCommand::ExecuteScriptCommand()
-    : MSysCommand(QStringLiteral("sys.execute_script"), {"MSysScript_cmd", "Execute Script", "id=25938"},
-                  {{ARG_FILE, Meta::TYPE_FILE, QStringLiteral("file name"), true},
-                   parametersArgument(),
-                   stdoutArgument(),
-                   stderrArgument()},
-                  {"MSysScript_menu", "Execute Script", "id=9986"})
+    : MSysCommand(
+          QStringLiteral("sys.execute_script"), {"MSysScript_cmd", "Execute Script", "id=25938"},
+          {{ARG_FILE, Meta::TYPE_FILE, QStringLiteral("file name"), true},
+           parametersArgument(),
+           stdoutArgument(),
+           stderrArgument(),
+           {ARG_ARGUMENTS, Meta::TYPE_LIST, QStringLiteral("arguments of the script, after its name in sys.argv")}},
+          {"MSysScript_menu", "Execute Script", "id=9986"})
 {}
 
-bool ExecuteScriptCommand::readScriptFile(const QString& path, QString& text, ErrorLog& log)
+bool ExecuteScriptCommand::readScriptFile(const QString& path, QByteArray& source, ErrorLog& log)
 {
   QFile file(path);
   if (!file.open(QIODevice::ReadOnly)) {
@@ -100,24 +101,23 @@ bool ExecuteScriptCommand::readScriptFile(const QString& path, QString& text, Er
     log.addLine(errorText("Unable to access file: %1", "id=9989").arg(QDir::toNativeSeparators(path)));
     return false;
   }
-  QTextStream stream(&file);
-  stream.setEncoding(QStringConverter::Utf8);
-  QString line;
-  while (stream.readLineInto(&line)) {
-    text += line;
-    text += QLatin1Char('\n');
-  }
-  return true;
+  source = file.readAll();
+  if (!source.endsWith('\n'))
+    source += '\n';
+  return GScript::Execute::checkSourceEncoding(source, path, log);
 }
 
 void ExecuteScriptCommand::execute(const GApp::CommandParameters& parameters)
 {
   const QString path = getArgument<Parse::File>(parameters, ARG_FILE).getName();
   ErrorLog log;
-  QString text;
-  if (!readScriptFile(path, text, log))
+  QByteArray source;
+  if (!readScriptFile(path, source, log))
     throw GApp::CommandError(QString::fromLatin1(ERR_LOAD_SCRIPT), log);
-  runText(*this, parameters, text, path, QString::fromLatin1(ERR_LOAD_SCRIPT), log);
+  GScript::Execute run = GScript::Execute::fromSource(source);
+  if (parameters.contains(ARG_ARGUMENTS))
+    run.setArguments(getArgument<QStringList>(parameters, ARG_ARGUMENTS));
+  runText(*this, parameters, run, path, QString::fromLatin1(ERR_LOAD_SCRIPT), log);
 }
 
 bool ExecuteScriptCommand::prepareInteractive(GApp::CommandParameters& parameters)
@@ -138,9 +138,9 @@ ExecutePythonCodeCommand::ExecutePythonCodeCommand()
 
 void ExecutePythonCodeCommand::execute(const GApp::CommandParameters& parameters)
 {
-  const QString code = getArgument<QString>(parameters, ARG_CODE);
+  GScript::Execute run(getArgument<QString>(parameters, ARG_CODE));
   ErrorLog log;
-  runText(*this, parameters, code, QString(), QString(), log);
+  runText(*this, parameters, run, QString(), QString(), log);
 }
 
 }  // namespace Vel::MSysScript

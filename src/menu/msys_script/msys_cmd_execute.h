@@ -23,9 +23,10 @@ public:
   // Asks for the file when the call has none.
   bool prepareInteractive(GApp::CommandParameters& parameters) override;
 
-  // The file's text as UTF-8 lines, each ended by a line feed. False (with the reason in `log`)
-  // when the file cannot be opened or is unreadable or empty.
-  static bool readScriptFile(const QString& path, QString& text, ErrorLog& log);
+  // The file's bytes, ended by a line feed. False (with the reason in `log`) when the file cannot
+  // be opened, is unreadable or empty, or is not in the encoding it declares (UTF-8 when it
+  // declares none); the bytes are compiled as they are, so that Python decodes them itself.
+  static bool readScriptFile(const QString& path, QByteArray& source, ErrorLog& log);
 };
 
 // "sys.execute_python_code": runs Python text given as the argument "code".

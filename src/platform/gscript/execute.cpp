@@ -2,6 +2,8 @@
 
 #include <pybind11/embed.h>
 
+#include <QFileInfo>
+
 #include "gscript/python_interpreter.h"
 #include "gscript/python_values.h"
 
@@ -69,6 +71,125 @@ private:
   py::object _buffer;
 };
 
+// Makes a run a module of its own for as long as it lives. A main run is the interpreter's
+// __main__ meanwhile and, with a file, has sys.argv and the file's folder first on sys.path;
+// what was there before is put back, so that nested runs nest. The module's dictionary is the
+// run's globals and outlives the run as long as anything uses it.
+class RunModule
+{
+public:
+  RunModule(bool main, const QString& file_name, const QStringList& arguments)
+      : _sys(py::module_::import("sys")), _modules(_sys.attr("modules"))
+  {
+    _module = py::reinterpret_steal<py::object>(PyModule_New(main ? "__main__" : "__zut_script__"));
+    if (!_module)
+      throw py::error_already_set();
+    _globals = _module.attr("__dict__");
+    _globals["__builtins__"] = py::module_::import("builtins");
+    if (!file_name.isEmpty()) {
+      _globals["__file__"] = file_name.toStdString();
+      _globals["__cached__"] = py::none();
+    }
+    if (!main)
+      return;
+    try {
+      _previous_main = _modules.attr("get")("__main__");
+      _modules["__main__"] = _module;
+      _main_installed = true;
+      if (file_name.isEmpty())
+        return;
+      py::list argv;
+      argv.append(file_name.toStdString());
+      for (const QString& argument : arguments)
+        argv.append(argument.toStdString());
+      _previous_argv = py::getattr(_sys, "argv", py::none());
+      _sys.attr("argv") = argv;
+      _argv_installed = true;
+      // As python3 does: the folder of the script with links resolved.
+      const QFileInfo file(file_name);
+      const QString folder = file.canonicalPath().isEmpty() ? file.absolutePath() : file.canonicalPath();
+      _folder = py::str(folder.toStdString());
+      _sys.attr("path").attr("insert")(0, _folder);
+    } catch (...) {
+      restore();
+      throw;
+    }
+  }
+  ~RunModule()
+  {
+    try {
+      restore();
+    } catch (py::error_already_set& error) {
+      error.discard_as_unraisable("restoring the interpreter after a script");
+    }
+  }
+  py::dict& globals() { return _globals; }
+
+private:
+  void restore()
+  {
+    if (_folder) {
+      const py::object path = _sys.attr("path");
+      if (PyList_Check(path.ptr()) && PyList_GET_SIZE(path.ptr()) > 0 && PyList_GET_ITEM(path.ptr(), 0) == _folder.ptr())
+        PyList_SetSlice(path.ptr(), 0, 1, nullptr);
+      else if (path.attr("__contains__")(_folder).cast<bool>())
+        path.attr("remove")(_folder);
+      _folder = py::object();
+    }
+    if (_argv_installed) {
+      _argv_installed = false;
+      if (_previous_argv.is_none())
+        py::delattr(_sys, "argv");
+      else
+        _sys.attr("argv") = _previous_argv;
+    }
+    if (_main_installed) {
+      _main_installed = false;
+      if (_previous_main.is_none())
+        _modules.attr("pop")("__main__", py::none());
+      else
+        _modules["__main__"] = _previous_main;
+    }
+  }
+
+  py::module_ _sys;
+  py::object _modules;
+  py::object _module;
+  py::dict _globals;
+  py::object _previous_main;
+  py::object _previous_argv;
+  py::object _folder;
+  bool _main_installed = false;
+  bool _argv_installed = false;
+};
+
+// Finds where CPython's reading of a file would fail: returns (line, reason), line 0 when the
+// bytes decode. The message for an undeclared encoding is the one python3 gives.
+const char* const SOURCE_CHECK = R"PY(
+def check(source, file_name):
+    import io, tokenize
+    first_lines = source.splitlines()[:2]
+    declared = next((number for number, line in enumerate(first_lines, 1)
+                     if tokenize.cookie_re.match(line.decode('latin-1'))), 0)
+    try:
+        encoding = tokenize.detect_encoding(io.BytesIO(source).readline)[0]
+    except SyntaxError as error:
+        if declared:
+            return declared, str(error)
+        encoding = 'utf-8'
+    try:
+        source.decode(encoding)
+    except UnicodeDecodeError as error:
+        line = source.count(b'\n', 0, error.start) + 1
+        if not declared:
+            return line, ('Non-UTF-8 code starting with %s in file %s on line %d, but no encoding declared; '
+                          'see https://peps.python.org/pep-0263/ for details'
+                          % (repr(source[error.start:error.start + 1])[1:], file_name, line))
+        return line, ("%r codec can't decode byte 0x%02x on line %d (the encoding is declared on line %d)"
+                      % (encoding, source[error.start], line, declared))
+    return 0, ''
+)PY";
+
 void addLines(ErrorLog& log, const QString& text)
 {
   QString trimmed = text;
@@ -108,6 +229,34 @@ bool handleException(py::error_already_set& error, QString& error_code, ErrorLog
 
 Execute::Execute(const QString& code) : _code(code) {}
 
+Execute Execute::fromSource(const QByteArray& source)
+{
+  Execute run{QString()};
+  run._source = source;
+  run._from_source = true;
+  return run;
+}
+
+bool Execute::checkSourceEncoding(const QByteArray& source, const QString& file_name, ErrorLog& log)
+{
+  PythonInterpreter::initialize();
+  try {
+    py::dict scope;
+    scope["__builtins__"] = py::module_::import("builtins");
+    py::exec(SOURCE_CHECK, scope);
+    const py::tuple found =
+        scope["check"](py::bytes(source.constData(), size_t(source.size())), file_name.toStdString());
+    const int line = found[0].cast<int>();
+    if (line == 0)
+      return true;
+    log.addLine(QStringLiteral("  File \"%1\", line %2").arg(file_name).arg(line));
+    log.addLine(QStringLiteral("SyntaxError: %1").arg(QString::fromStdString(found[1].cast<std::string>())));
+  } catch (const py::error_already_set& error) {
+    log.addLine(QStringLiteral("%1: %2").arg(file_name, QString::fromUtf8(error.what())));
+  }
+  return false;
+}
+
 bool Execute::execute(int /*gui_mode*/, int flags, QString& error_code, ErrorLog& log)
 {
   PythonInterpreter::initialize();
@@ -117,20 +266,19 @@ bool Execute::execute(int /*gui_mode*/, int flags, QString& error_code, ErrorLog
   bool success = true;
   {
     OutputRedirection redirection(_collect_stdout, _collect_stderr);
-    py::dict globals;
     try {
-      globals["__builtins__"] = py::module_::import("builtins");
-      globals["__name__"] = (flags & FLAG_MAIN) ? "__main__" : "__zut_script__";
-      if (!_file_name.isEmpty())
-        globals["__file__"] = _file_name.toStdString();
+      RunModule module((flags & FLAG_MAIN) != 0, _file_name, _arguments);
+      py::dict& globals = module.globals();
       py::dict parameters;
       for (auto it = _parameters.begin(); it != _parameters.end(); ++it)
         parameters[py::str(it.key().toStdString())] = fromVariant(it.value());
       globals["PARAMETERS"] = parameters;
 
       const std::string file_name = _file_name.isEmpty() ? std::string("<string>") : _file_name.toStdString();
+      const py::object source = _from_source ? py::object(py::bytes(_source.constData(), size_t(_source.size())))
+                                             : py::object(py::str(_code.toStdString()));
       const py::object compiled =
-          py::module_::import("builtins").attr("compile")(_code.toStdString(), file_name, "exec", 0, true);
+          py::module_::import("builtins").attr("compile")(source, file_name, "exec", 0, true);
       PyObject* result = PyEval_EvalCode(compiled.ptr(), globals.ptr(), globals.ptr());
       if (!result)
         throw py::error_already_set();
@@ -139,8 +287,6 @@ bool Execute::execute(int /*gui_mode*/, int flags, QString& error_code, ErrorLog
       success = handleException(error, error_code, log);
     }
     _collected = redirection.collected();
-    // Functions defined by the script hold its namespace: break the cycle now.
-    globals.clear();
   }
   return success;
 }

@@ -1,7 +1,9 @@
 #pragma once
 
+#include <QByteArray>
 #include <QMap>
 #include <QString>
+#include <QStringList>
 #include <QVariant>
 
 #include "core/error_log.h"
@@ -12,7 +14,11 @@ namespace Vel::GScript {
 // Host error code of a Python run that failed ("Python script failed").
 VEL_EXPORT extern const char* const ERR_SCRIPT_FAILED;  // "GScriptErr-0001"
 
-// One run of Python text in the embedded interpreter, in a fresh global namespace.
+// One run of Python text in the embedded interpreter, in a fresh global namespace. A main run
+// is the real __main__ module while it runs, as under python3: sys.modules['__main__'] is a
+// module whose dictionary is the run's globals; with a file name, sys.argv is the file and its
+// arguments and the file's folder is first on sys.path. All of it is put back afterwards, and the
+// namespace is released, never cleared, so threads and atexit handlers may go on using it.
 class VEL_EXPORT Execute
 {
 public:
@@ -24,6 +30,14 @@ public:
   };
 
   explicit Execute(const QString& code);
+  // A file's bytes, compiled as CPython compiles a file: the encoding it declares (PEP 263) or
+  // its byte-order mark, UTF-8 otherwise.
+  static Execute fromSource(const QByteArray& source);
+
+  // Whether CPython can decode a file's bytes as it reads a file. False (with the file, the line
+  // and the reason in `log`) for bytes that are not of the declared encoding, or not UTF-8 when
+  // none is declared, and for an unknown declared encoding.
+  static bool checkSourceEncoding(const QByteArray& source, const QString& file_name, ErrorLog& log);
 
   // Visible to the script as the dictionary PARAMETERS.
   void setParameters(const QMap<QString, QVariant>& parameters) { _parameters = parameters; }
@@ -33,6 +47,8 @@ public:
   // The name tracebacks give the text ("<string>" without one); also the script's __file__.
   void setFileName(const QString& file_name) { _file_name = file_name; }
   const QString& getFileName() const { return _file_name; }
+  // What follows the file name in sys.argv while a run with a file name runs.
+  void setArguments(const QStringList& arguments) { _arguments = arguments; }
 
   // Runs the text. `gui_mode` 0 runs without progress or abort interface (the only mode of
   // this host). On failure returns false, sets `error_code` and adds the traceback to `log`; a
@@ -43,7 +59,10 @@ public:
 
 private:
   QString _code;
+  QByteArray _source;
+  bool _from_source = false;
   QString _file_name;
+  QStringList _arguments;
   QMap<QString, QVariant> _parameters;
   bool _collect_stdout = false;
   bool _collect_stderr = false;

@@ -2,6 +2,8 @@
 
 #include <pybind11/embed.h>
 
+#include <QFile>
+#include <QFileInfo>
 #include <QVariant>
 
 #include "core/error_message_container.h"
@@ -22,6 +24,20 @@ enum class State
   Finished
 };
 State state = State::NotStarted;
+
+// The python3 program of the installation whose library we embed, for what starts Python in a
+// new process (multiprocessing's spawn, subprocess with sys.executable): "bin/python3" when it
+// is that version, "bin/python3.X" otherwise. Never the first python3 on PATH, which may be
+// another version.
+QByteArray matchingExecutable()
+{
+  const QString home = QStringLiteral(ZUT_PYTHON_HOME);
+  const QString versioned = QStringLiteral("%1/bin/python%2.%3").arg(home).arg(PY_MAJOR_VERSION).arg(PY_MINOR_VERSION);
+  const QString plain = QStringLiteral("%1/bin/python%2").arg(home).arg(PY_MAJOR_VERSION);
+  const QString target = QFileInfo(plain).canonicalFilePath();
+  const bool same = !target.isEmpty() && target == QFileInfo(versioned).canonicalFilePath();
+  return QFile::encodeName(same ? plain : versioned);
+}
 
 }  // namespace
 
@@ -50,6 +66,8 @@ void PythonInterpreter::initialize()
   config.install_signal_handlers = 0;
   // The standard library of the Python we were built against, whatever PYTHONHOME says.
   PyConfig_SetBytesString(&config, &config.home, ZUT_PYTHON_HOME);
+  const QByteArray executable = matchingExecutable();
+  PyConfig_SetBytesString(&config, &config.executable, executable.constData());
   py::initialize_interpreter(&config, 0, nullptr, false);
   state = State::Running;
   // The package installs the import hook through which scripts import each other.
