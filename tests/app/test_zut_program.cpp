@@ -176,8 +176,8 @@ TEST_F(ZutProgram, CommandsExplainThemselves)
                                                   "print(dir(zut.script.sys)[:3])\n")});
   EXPECT_EQ(python.status, 0) << qPrintable(python.err);
   for (const char* text :
-       {"execute_script(*, file, parameters=None, collect_stdout=None, collect_stderr=None)\n", "Execute Script\n",
-        "collect_stdout (boolean)\n", "\n(*, file=None, parameters=None, collect_stdout=None, collect_stderr=None)\n",
+       {"execute_script(*, file, parameters=None, collect_stdout=None, collect_stderr=None, arguments=None)\n", "Execute Script\n",
+        "collect_stdout (boolean)\n", "\n(*, file=None, parameters=None, collect_stdout=None, collect_stderr=None, arguments=None)\n",
         "['close_user_defined_dialog', 'create_user_defined_dialog', 'delay_script']\n"})
     EXPECT_TRUE(python.out.contains(QString::fromLatin1(text))) << text << "\n" << qPrintable(python.out);
 }
@@ -511,6 +511,7 @@ TEST_F(ZutProgram, DialogsRunOnAnswersOrFailAtOnceAndArePicturedAndListed)
   EXPECT_FALSE(QImage(picture).isNull());
   // A listing is the same on every run.
   EXPECT_EQ(zut({d, example, QStringLiteral("--dump")}).out, zut({d, example, QStringLiteral("--dump")}).out);
+}
 
 namespace {
 
