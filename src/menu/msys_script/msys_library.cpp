@@ -19,6 +19,7 @@
 #include "menu/msys_script/msys_config.h"
 #include "menu/msys_script/msys_dialog_definition.h"
 #include "menu/msys_script/msys_dialog_widgets.h"
+#include "menu/msys_script/msys_dlg_break.h"
 #include "menu/msys_script/msys_error_codes.h"
 #include "menu/msys_script/msys_exit_notifier.h"
 #include "menu/msys_script/msys_python_dump.h"
@@ -81,6 +82,7 @@ void InitLibrary(Vel::CfgNode* root)
     declareTemplateConfiguration(root);
     registerErrorCodes();
     installDatabaseImportHandler();
+    GScript::SafePoints::setObserver(&BreakDialogObserver::getInstance());
   });
 }
 
@@ -92,13 +94,13 @@ void CloseLibrary()
 void InitDefaults()
 {
   guarded("InitDefaults", [] {
-    DialogRegistry::initialize();
     GApp::AppStatusManager::registerExitNotifier(&ExitNotifier::getInstance());
     ScriptSpecialMenuProvider::initialize();
     if (!squish_proxy) {
       squish_proxy = new QObject(QCoreApplication::instance());
       squish_proxy->setObjectName(QStringLiteral("SquishProxy"));
     }
+    DialogRegistry::initialize();
   });
 }
 
@@ -175,6 +177,13 @@ char* CheckDialogDefinition(const char* text, int normalize, int* faulty)
     result = qstrdup(output.toUtf8().constData());
   });
   return result;
+}
+
+GApp::CommandParameters* CreateParameterDelay(double seconds)
+{
+  auto* parameters = new GApp::CommandParameters;
+  parameters->set(QStringLiteral("time"), seconds);
+  return parameters;
 }
 
 void FreeAnalysis(char* analysis)

@@ -4,6 +4,7 @@
 
 #include "gscript/python_interpreter.h"
 #include "gscript/python_values.h"
+#include "gscript/safe_points.h"
 
 namespace py = pybind11;
 
@@ -92,7 +93,7 @@ bool handleException(py::error_already_set& error, QString& error_code, ErrorLog
 
   const py::module_ zut = py::module_::import("zut");
   const py::object command_error = zut.attr("CommandError");
-  error_code = QString::fromLatin1(ERR_SCRIPT_FAILED);
+  error_code = QString::fromLatin1(error.matches(PyExc_KeyboardInterrupt) ? ERR_SCRIPT_ABORTED : ERR_SCRIPT_FAILED);
   if (PyObject_IsInstance(error.value().ptr(), command_error.ptr()) == 1)
     error_code = QString::fromStdString(error.value().attr("code").cast<std::string>());
 
@@ -112,6 +113,7 @@ bool Execute::execute(int /*gui_mode*/, int flags, QString& error_code, ErrorLog
 {
   PythonInterpreter::initialize();
   StackLevel level(this);
+  SafePoints::Run safe_points;
   _collected.clear();
 
   bool success = true;

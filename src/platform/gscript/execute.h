@@ -34,8 +34,8 @@ public:
   void setFileName(const QString& file_name) { _file_name = file_name; }
   const QString& getFileName() const { return _file_name; }
 
-  // Runs the text. `gui_mode` 0 runs without progress or abort interface (the only mode of
-  // this host). On failure returns false, sets `error_code` and adds the traceback to `log`; a
+  // Runs the text. Every run has safe points (window events, abort; see SafePoints); `gui_mode`
+  // is the caller's and changes nothing here. On failure returns false, sets `error_code` and adds the traceback to `log`; a
   // failure that came from a command the script called keeps that command's code.
   bool execute(int gui_mode, int flags, QString& error_code, ErrorLog& log);
 

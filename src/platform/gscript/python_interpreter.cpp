@@ -8,6 +8,8 @@
 #include "core/prog_error.h"
 #include "gscript/execute.h"
 #include "gscript/python_values.h"
+#include "gscript/safe_points.h"
+#include "gapp/main_window.h"
 
 namespace py = pybind11;
 
@@ -41,6 +43,9 @@ void PythonInterpreter::initialize()
                     QStringLiteral("Python interpreter already finalized"));
 
   ErrorMessageContainer::registerError(ERR_SCRIPT_FAILED, QStringLiteral("Python script failed"));
+  ErrorMessageContainer::registerError(ERR_SCRIPT_ABORTED, QStringLiteral("Python script aborted"));
+  // The abort buttons and the break dialog stop the running script at its next safe point.
+  GApp::MainWindow::setAbortHandler([] { SafePoints::requestAbort(); });
 
   PyConfig config;
   PyConfig_InitPythonConfig(&config);
