@@ -194,8 +194,10 @@ void ScriptCommand::execute(const GApp::CommandParameters& parameters)
   {
     RunningScript running(_script_file_name, this);
     GScript::CursorDisabler cursor;
-    // Tracebacks name the script as the database knows it, wherever its level lies on disk.
-    run.setFileName(_script_file_name);
+    // Tracebacks name the script as the database knows it, wherever its level lies on disk;
+    // its __file__ stays the file on disk.
+    run.setFileName(database->getScript(_script_file_name)->getPath());
+    run.setCodeName(_script_file_name);
     success = run.execute(0, GScript::Execute::FLAG_MAIN, code, log);
   }
   if (collect)

@@ -130,7 +130,8 @@ bool Execute::execute(int /*gui_mode*/, int flags, QString& error_code, ErrorLog
         parameters[py::str(it.key().toStdString())] = fromVariant(it.value());
       globals["PARAMETERS"] = parameters;
 
-      const std::string file_name = _file_name.isEmpty() ? std::string("<string>") : _file_name.toStdString();
+      const QString& name = _code_name.isEmpty() ? _file_name : _code_name;
+      const std::string file_name = name.isEmpty() ? std::string("<string>") : name.toStdString();
       const py::object compiled =
           py::module_::import("builtins").attr("compile")(_code.toStdString(), file_name, "exec", 0, true);
       PyObject* result = PyEval_EvalCode(compiled.ptr(), globals.ptr(), globals.ptr());

@@ -33,6 +33,8 @@ public:
   // The name tracebacks give the text ("<string>" without one); also the script's __file__.
   void setFileName(const QString& file_name) { _file_name = file_name; }
   const QString& getFileName() const { return _file_name; }
+  // The name tracebacks give the text instead of its file name (a database script's name).
+  void setCodeName(const QString& code_name) { _code_name = code_name; }
 
   // Runs the text. Every run has safe points (window events, abort; see SafePoints); `gui_mode`
   // is the caller's and changes nothing here. On failure returns false, sets `error_code` and adds the traceback to `log`; a
@@ -44,6 +46,7 @@ public:
 private:
   QString _code;
   QString _file_name;
+  QString _code_name;
   QMap<QString, QVariant> _parameters;
   bool _collect_stdout = false;
   bool _collect_stderr = false;
