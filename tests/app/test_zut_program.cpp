@@ -7,6 +7,7 @@
 #include <QTemporaryDir>
 
 #include <gtest/gtest.h>
+#include <signal.h>
 
 #include "test_util.h"
 
@@ -26,6 +27,13 @@ protected:
   Result zut(const QStringList& arguments)
   {
     QProcess process;
+    start(process, arguments);
+    EXPECT_TRUE(process.waitForFinished(60000)) << qPrintable(process.errorString());
+    return {process.exitCode(), QString::fromUtf8(process.readAllStandardOutput()),
+            QString::fromUtf8(process.readAllStandardError())};
+  }
+  void start(QProcess& process, const QStringList& arguments)
+  {
     QProcessEnvironment environment = QProcessEnvironment::systemEnvironment();
     environment.insert(QStringLiteral("XDG_CONFIG_HOME"), home.filePath(QStringLiteral("config")));
     environment.insert(QStringLiteral("XDG_DATA_HOME"), home.filePath(QStringLiteral("data")));
@@ -34,9 +42,6 @@ protected:
     environment.remove(QStringLiteral("QT_QPA_PLATFORM"));
     process.setProcessEnvironment(environment);
     process.start(qEnvironmentVariable("ZUT_BIN"), arguments);
-    EXPECT_TRUE(process.waitForFinished(60000)) << qPrintable(process.errorString());
-    return {process.exitCode(), QString::fromUtf8(process.readAllStandardOutput()),
-            QString::fromUtf8(process.readAllStandardError())};
   }
   QString file(const char* name, const QByteArray& text)
   {
@@ -287,4 +292,28 @@ TEST_F(ZutProgram, ExampleDialogsPassLintAndBareElementsNormalizeToTheirDefaults
                                "<transparency_allowed>false</transparency_allowed>"})
     EXPECT_TRUE(normalized.out.contains(QString::fromLatin1(expected))) << expected << "\n" << qPrintable(normalized.out);
   EXPECT_FALSE(normalized.out.contains(QStringLiteral("<unit>")));
+}
+
+// A script in a tight loop is stopped as under python3: Ctrl+C, or the test timeout that the
+// script set, is a KeyboardInterrupt; its finally block runs and the program exits with 130.
+TEST_F(ZutProgram, ATightLoopStopsOnCtrlCAndOnTheTestTimeout)
+{
+  const QByteArray loop = "try:\n    print('looping', flush=True)\n    while True:\n        pass\nfinally:\n    print('finally ran')\n";
+  QProcess interrupted;
+  start(interrupted, {QStringLiteral("run"), file("loop.py", loop)});
+  ASSERT_TRUE(interrupted.waitForReadyRead(60000));
+  ::kill(pid_t(interrupted.processId()), SIGINT);
+  ASSERT_TRUE(interrupted.waitForFinished(60000));
+  EXPECT_EQ(interrupted.exitStatus(), QProcess::NormalExit);
+  EXPECT_EQ(interrupted.exitCode(), 130);
+  EXPECT_EQ(QString::fromUtf8(interrupted.readAllStandardOutput()), QStringLiteral("looping\nfinally ran\n"));
+  EXPECT_TRUE(QString::fromUtf8(interrupted.readAllStandardError()).endsWith(QStringLiteral("\nKeyboardInterrupt\n")));
+
+  const Result timed_out = zut({QStringLiteral("exec"),
+                                QStringLiteral("import zut\nzut.script.sys.set_test_timeout(timeout=0.2)\n") +
+                                    QString::fromUtf8(loop)});
+  EXPECT_EQ(timed_out.status, 130);
+  EXPECT_EQ(timed_out.out, QStringLiteral("looping\nfinally ran\n"));
+  EXPECT_TRUE(timed_out.err.contains(QStringLiteral("KeyboardInterrupt: test timeout of 0.2 s expired")))
+      << qPrintable(timed_out.err);
 }
