@@ -72,6 +72,7 @@ void PythonInterpreter::finalize()
   if (!getInterpreterStack().empty())
     throw ProgError(QStringLiteral("finalize"), QStringLiteral("python_interpreter"),
                     QStringLiteral("Python interpreter finalized while a script runs"));
+  SafePoints::stopTimer();
   py::finalize_interpreter();
   state = State::Finished;
 }

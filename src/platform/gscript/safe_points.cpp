@@ -37,12 +37,22 @@ double timeout_seconds = 0;
 double deadline_ms = -1;  // on run_clock; -1 for none
 bool in_events = false;
 
+// Made with the first run and parked while no script runs, so that a run costs no thread of
+// its own; the interpreter's end stops it.
 struct Timer
 {
   std::thread thread;
   std::mutex mutex;
   std::condition_variable wake;
+  bool active = false;  // a script runs: tick
   bool stop = false;
+
+  ~Timer()
+  {
+    // A program that ends without finalising the interpreter.
+    if (thread.joinable())
+      thread.detach();
+  }
 };
 Timer timer;
 
@@ -58,9 +68,13 @@ void timerLoop()
 {
   std::unique_lock<std::mutex> lock(timer.mutex);
   while (!timer.stop) {
+    if (!timer.active) {
+      timer.wake.wait(lock, [] { return timer.active || timer.stop; });
+      continue;
+    }
     timer.wake.wait_for(lock, std::chrono::milliseconds(SafePoints::INTERVAL_MS));
-    if (timer.stop)
-      break;
+    if (timer.stop || !timer.active)
+      continue;
     lock.unlock();
     schedule();
     // CPython 3.11 lets only the main thread notice a call added from another thread. Asking
@@ -145,8 +159,14 @@ SafePoints::Run::Run()
   abort_requested = false;
   signal_abort = false;
   GApp::MainWindow::setScriptRunning(true);
-  timer.stop = false;
-  timer.thread = std::thread(timerLoop);
+  {
+    std::lock_guard<std::mutex> lock(timer.mutex);
+    timer.active = true;
+    timer.stop = false;
+    if (!timer.thread.joinable())
+      timer.thread = std::thread(timerLoop);
+  }
+  timer.wake.notify_all();
 }
 
 SafePoints::Run::~Run()
@@ -155,13 +175,8 @@ SafePoints::Run::~Run()
     return;
   {
     std::lock_guard<std::mutex> lock(timer.mutex);
-    timer.stop = true;
+    timer.active = false;
   }
-  timer.wake.notify_all();
-  // The timer thread may wait for the interpreter lock, which this thread holds.
-  Py_BEGIN_ALLOW_THREADS
-  timer.thread.join();
-  Py_END_ALLOW_THREADS
   abort_requested = false;
   signal_abort = false;
   deadline_ms = -1;
@@ -169,6 +184,22 @@ SafePoints::Run::~Run()
   GApp::Progress::getInstance().clear();
   if (observer)
     observer->runEnded();
+}
+
+void SafePoints::stopTimer()
+{
+  if (!timer.thread.joinable())
+    return;
+  {
+    std::lock_guard<std::mutex> lock(timer.mutex);
+    timer.stop = true;
+  }
+  timer.wake.notify_all();
+  // The timer thread may wait for the interpreter lock, which this thread may hold.
+  PyThreadState* state = PyGILState_Check() ? PyEval_SaveThread() : nullptr;
+  timer.thread.join();
+  if (state)
+    PyEval_RestoreThread(state);
 }
 
 bool SafePoints::isScriptRunning()
@@ -187,6 +218,8 @@ void SafePoints::requestAbort()
     return;
   abort_requested = true;
   schedule();
+  // From another thread, the timer thread makes the script notice at once.
+  timer.wake.notify_all();
 }
 
 bool SafePoints::requestAbortFromSignal() noexcept

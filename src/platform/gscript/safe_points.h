@@ -14,7 +14,8 @@ VEL_EXPORT extern const char* const ERR_SCRIPT_ABORTED;  // "GScriptErr-0002"
 // (Py_AddPendingCall; CPython handles it between two bytecodes on the GUI thread, never per
 // line). At a safe point window events are processed, the observer (the break dialog) is told
 // how long the run lasts, and a pending abort or an expired test timeout raises
-// KeyboardInterrupt in the script. The timer thread runs only while a script runs.
+// KeyboardInterrupt in the script. The timer thread is made by the first run and ticks only
+// while a script runs.
 class VEL_EXPORT SafePoints
 {
 public:
@@ -44,6 +45,8 @@ public:
     Run(const Run&) = delete;
     Run& operator=(const Run&) = delete;
   };
+  // Ends the timer thread; the interpreter calls it before it ends.
+  static void stopTimer();
   static bool isScriptRunning();
   static double getRunSeconds();
 
