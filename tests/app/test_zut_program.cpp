@@ -298,7 +298,8 @@ TEST_F(ZutProgram, ExampleDialogsPassLintAndBareElementsNormalizeToTheirDefaults
 // script set, is a KeyboardInterrupt; its finally block runs and the program exits with 130.
 TEST_F(ZutProgram, ATightLoopStopsOnCtrlCAndOnTheTestTimeout)
 {
-  const QByteArray loop = "try:\n    print('looping', flush=True)\n    while True:\n        pass\nfinally:\n    print('finally ran')\n";
+  const QByteArray loop =
+      "try:\n    print('looping', flush=True)\n    while True:\n        pass\nfinally:\n    print('finally ran')\n";
   QProcess interrupted;
   start(interrupted, {QStringLiteral("run"), file("loop.py", loop)});
   ASSERT_TRUE(interrupted.waitForReadyRead(60000));
@@ -307,7 +308,8 @@ TEST_F(ZutProgram, ATightLoopStopsOnCtrlCAndOnTheTestTimeout)
   EXPECT_EQ(interrupted.exitStatus(), QProcess::NormalExit);
   EXPECT_EQ(interrupted.exitCode(), 130);
   EXPECT_EQ(QString::fromUtf8(interrupted.readAllStandardOutput()), QStringLiteral("looping\nfinally ran\n"));
-  EXPECT_TRUE(QString::fromUtf8(interrupted.readAllStandardError()).endsWith(QStringLiteral("\nKeyboardInterrupt\n")));
+  EXPECT_TRUE(
+      QString::fromUtf8(interrupted.readAllStandardError()).endsWith(QStringLiteral("\nKeyboardInterrupt\n")));
 
   const Result timed_out = zut({QStringLiteral("exec"),
                                 QStringLiteral("import zut\nzut.script.sys.set_test_timeout(timeout=0.2)\n") +

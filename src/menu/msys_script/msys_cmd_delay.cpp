@@ -24,9 +24,9 @@ void DelayCommand::execute(const GApp::CommandParameters& parameters)
 {
   const double seconds = getArgument<double>(parameters, QStringLiteral("time"));
   if (!std::isfinite(seconds) || seconds < 0)
-    failCommand(ERR_PARSE_PARAMETERS,
-                QStringLiteral("command argument 'time' must be a finite number of seconds not below 0, not %1")
-                    .arg(seconds));
+    failCommand(
+        ERR_PARSE_PARAMETERS,
+        QStringLiteral("command argument 'time' must be a finite number of seconds not below 0, not %1").arg(seconds));
 
   // Milliseconds as a double: a time longer than any clock (1e19 s) waits until the script is
   // stopped instead of overflowing into no wait at all.

@@ -8,6 +8,7 @@
 #include "core/translate.h"
 #include "gapp/app_status_manager.h"
 #include "gapp/command_container.h"
+#include "gapp/custom_toolbar_container.h"
 #include "gscript/execute.h"
 #include "gscript/gui_handler.h"
 #include "gscript/python_interpreter.h"
@@ -141,6 +142,7 @@ void ScriptCommand::update(const GScript::ScriptDatabase& database)
       group = new GApp::ToolBarGroupCommand(entry.first);
     group->setCommands(entry.second);
   }
+  GApp::CustomToolBarContainer::getInstance().update();
   container.updateAllActions();
 }
 

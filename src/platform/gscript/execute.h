@@ -37,8 +37,8 @@ public:
   void setCodeName(const QString& code_name) { _code_name = code_name; }
 
   // Runs the text. Every run has safe points (window events, abort; see SafePoints); `gui_mode`
-  // is the caller's and changes nothing here. On failure returns false, sets `error_code` and adds the traceback to `log`; a
-  // failure that came from a command the script called keeps that command's code.
+  // changes nothing here. On failure returns false, sets `error_code` and adds the traceback to
+  // `log`; a failure that came from a command the script called keeps that command's code.
   bool execute(int gui_mode, int flags, QString& error_code, ErrorLog& log);
 
   const QString& getCollectedOutput() const { return _collected; }

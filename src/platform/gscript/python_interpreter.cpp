@@ -6,10 +6,10 @@
 
 #include "core/error_message_container.h"
 #include "core/prog_error.h"
+#include "gapp/main_window.h"
 #include "gscript/execute.h"
 #include "gscript/python_values.h"
 #include "gscript/safe_points.h"
-#include "gapp/main_window.h"
 
 namespace py = pybind11;
 

@@ -1,11 +1,10 @@
 #include "gscript/safe_points.h"
 
-#include <Python.h>
-
 #include <QCoreApplication>
 #include <QElapsedTimer>
 #include <QThread>
 
+#include <Python.h>
 #include <atomic>
 #include <chrono>
 #include <condition_variable>

@@ -260,19 +260,18 @@ TEST_F(ExecuteTest, TestTimeoutIsStored)
 TEST_F(ExecuteTest, DelayRefusesTimesThatAreNoWaitAndWaitsOutHugeOnes)
 {
   CommandParameters parameters;
-  parameters.set(QStringLiteral("code"),
-                 QStringLiteral("import zut\n"
-                                "zut.script.sys.set_test_timeout(timeout=0.2)\n"
-                                "for t in [float('inf'), float('nan'), -1]:\n"
-                                "    try:\n"
-                                "        zut.script.sys.delay_script(time=t)\n"
-                                "    except zut.CommandError as error:\n"
-                                "        print(error.code, error.log)\n"
-                                "try:\n"
-                                "    zut.script.sys.delay_script(time=1e19)\n"
-                                "except KeyboardInterrupt as interrupt:\n"
-                                "    print('interrupted:', interrupt)\n"
-                                "zut.script.sys.set_test_timeout(timeout=0)\n"));
+  parameters.set(QStringLiteral("code"), QStringLiteral("import zut\n"
+                                                        "zut.script.sys.set_test_timeout(timeout=0.2)\n"
+                                                        "for t in [float('inf'), float('nan'), -1]:\n"
+                                                        "    try:\n"
+                                                        "        zut.script.sys.delay_script(time=t)\n"
+                                                        "    except zut.CommandError as error:\n"
+                                                        "        print(error.code, error.log)\n"
+                                                        "try:\n"
+                                                        "    zut.script.sys.delay_script(time=1e19)\n"
+                                                        "except KeyboardInterrupt as interrupt:\n"
+                                                        "    print('interrupted:', interrupt)\n"
+                                                        "zut.script.sys.set_test_timeout(timeout=0)\n"));
   parameters.set(QStringLiteral("collect_stdout"), true);
   const QString refused = QStringLiteral(
       "MSysScriptErr-0010 command argument 'time' must be a finite number of seconds not below 0, not %1\n");

@@ -5,12 +5,14 @@
 #include <QMenu>
 #include <QTemporaryDir>
 #include <QTimer>
+#include <QToolBar>
 
 #include <gtest/gtest.h>
 
 #include "core/prog_error.h"
 #include "core/python_string.h"
 #include "gapp/command_container.h"
+#include "gapp/custom_toolbar_container.h"
 #include "gapp/main_window.h"
 #include "gscript/import_handler.h"
 #include "gscript/python_interpreter.h"
@@ -329,9 +331,10 @@ TEST_F(ScriptDatabaseTest, AnAbortedNestedScriptUnwindsEveryLevel)
 {
   const QString trace = dir.filePath(QStringLiteral("finally.txt"));
   for (const char* name : {"a", "b", "c"}) {
-    const QString next = QString::fromLatin1(name) == QLatin1String("a")   ? QStringLiteral("zut.script.userscript.b()")
-                         : QString::fromLatin1(name) == QLatin1String("b") ? QStringLiteral("zut.script.userscript.c()")
-                                                                           : QStringLiteral("while True:\n        pass");
+    const QString next = QString::fromLatin1(name) == QLatin1String("a") ? QStringLiteral("zut.script.userscript.b()")
+                         : QString::fromLatin1(name) == QLatin1String("b")
+                             ? QStringLiteral("zut.script.userscript.c()")
+                             : QStringLiteral("while True:\n        pass");
     add(GScript::LEVEL_USER, QStringLiteral("%1.py").arg(QLatin1String(name)),
         QStringLiteral("import zut\n"
                        "try:\n"
@@ -430,6 +433,25 @@ TEST_F(ScriptDatabaseTest, ScriptsMenuOffersTheScriptsThatShowInMenus)
                                          QStringLiteral("  userscript.my_tools.grüße")}));
   if (!qEnvironmentVariableIsEmpty("ZUT_SCREENSHOT_DIR"))
     menu.grab().save(qEnvironmentVariable("ZUT_SCREENSHOT_DIR") + QStringLiteral("/scripts_menu.png"));
+}
+
+TEST_F(ScriptDatabaseTest, ToolBarsOfAFolderFollowItsScripts)
+{
+  add(GScript::LEVEL_USER, QStringLiteral("tools/a.py"), "pass\n");
+  refresh();
+  QToolBar tool_bar;
+  GApp::CustomToolBarContainer::getInstance().addToolBar(&tool_bar,
+                                                         ScriptDatabase::makeGroupCommandName(QStringLiteral("tools")));
+  const auto buttons = [&] {
+    QStringList names;
+    for (const QAction* action : tool_bar.actions())
+      names << action->objectName();
+    return names;
+  };
+  EXPECT_EQ(buttons(), QStringList{QStringLiteral("userscript.tools.a")});
+  add(GScript::LEVEL_USER, QStringLiteral("tools/b.py"), "pass\n");
+  refresh();
+  EXPECT_EQ(buttons(), (QStringList{QStringLiteral("userscript.tools.a"), QStringLiteral("userscript.tools.b")}));
 }
 
 TEST_F(ScriptDatabaseTest, ARunningScriptKeepsItsCommandUntilItEnds)

@@ -7,8 +7,8 @@
 #include <QTimer>
 #include <QVariant>
 
-#include <gtest/gtest.h>
 #include <functional>
+#include <gtest/gtest.h>
 #include <thread>
 #include <vector>
 
@@ -170,21 +170,22 @@ TEST_F(GScriptTest, ScriptsCallCommandsWithKeywordsAndGetTheirResults)
 // Colours and dates travel as zut.Color and datetime.date, in both directions.
 TEST_F(GScriptTest, ColoursAndDatesCrossIntoPythonAndBack)
 {
-  const RunResult ok = run(QStringLiteral("import zut, datetime\n"
-                                          "c = zut.script.test.echo(value=zut.Color(255, 16, 1, alpha=0))\n"
-                                          "print(repr(c), c.red, c.green, c.blue, c.alpha, c == zut.Color(255, 16, 1, 0))\n"
-                                          "print(repr(zut.Color(1, 2, 3)), len({zut.Color(), zut.Color(0, 0, 0)}))\n"
-                                          "print(repr(zut.script.test.echo(value=datetime.date(2024, 2, 29))))\n"
-                                          "for bad in ((256, 0, 0), (0, -1, 0)):\n"
-                                          "    try:\n"
-                                          "        zut.Color(*bad)\n"
-                                          "    except ValueError as e:\n"
-                                          "        print(e)\n"
-                                          "try:\n"
-                                          "    c.red = 3\n"
-                                          "except AttributeError:\n"
-                                          "    print('read-only')\n"),
-                           QString(), true);
+  const RunResult ok =
+      run(QStringLiteral("import zut, datetime\n"
+                         "c = zut.script.test.echo(value=zut.Color(255, 16, 1, alpha=0))\n"
+                         "print(repr(c), c.red, c.green, c.blue, c.alpha, c == zut.Color(255, 16, 1, 0))\n"
+                         "print(repr(zut.Color(1, 2, 3)), len({zut.Color(), zut.Color(0, 0, 0)}))\n"
+                         "print(repr(zut.script.test.echo(value=datetime.date(2024, 2, 29))))\n"
+                         "for bad in ((256, 0, 0), (0, -1, 0)):\n"
+                         "    try:\n"
+                         "        zut.Color(*bad)\n"
+                         "    except ValueError as e:\n"
+                         "        print(e)\n"
+                         "try:\n"
+                         "    c.red = 3\n"
+                         "except AttributeError:\n"
+                         "    print('read-only')\n"),
+          QString(), true);
   ASSERT_TRUE(ok.ok) << qPrintable(ok.log);
   EXPECT_EQ(ok.output, QStringLiteral("zut.Color ('#ff100100') 255 16 1 0 True\n"
                                       "zut.Color ('#010203ff') 1\n"
@@ -288,10 +289,12 @@ TEST(SafePoints, EveryAbortStopsATightLoopAndItsFinallyRuns)
     const char* last_log_line;
   };
   const std::vector<Case> cases = {
-      {"abort button", [&] {
+      {"abort button",
+       [&] {
          enabled_while_running = button->isEnabled();
          QTest::mouseClick(button, Qt::LeftButton);
-       }, "KeyboardInterrupt"},
+       },
+       "KeyboardInterrupt"},
       {"another thread", [] { std::thread([] { SafePoints::requestAbort(); }).join(); }, "KeyboardInterrupt"},
       {"Ctrl+C", [] { EXPECT_TRUE(SafePoints::requestAbortFromSignal()); }, "KeyboardInterrupt"},
       {"test timeout", [] { SafePoints::setTimeout(0.05); }, "KeyboardInterrupt: test timeout of 0.05 s expired"},
@@ -302,8 +305,8 @@ TEST(SafePoints, EveryAbortStopsATightLoopAndItsFinallyRuns)
     const int requests = GApp::MainWindow::getAbortRequestCount();
     // The timer fires at a safe point of the running loop: window events are processed.
     QTimer::singleShot(50, c.abort);
-    const RunResult result = run(QStringLiteral("try:\n    while True:\n        pass\nfinally:\n    print('finally')\n"),
-                                 QString(), true);
+    const RunResult result =
+        run(QStringLiteral("try:\n    while True:\n        pass\nfinally:\n    print('finally')\n"), QString(), true);
     SafePoints::setTimeout(0);
     EXPECT_FALSE(result.ok);
     EXPECT_EQ(result.code, QLatin1String(ERR_SCRIPT_ABORTED));
@@ -325,14 +328,15 @@ TEST(SafePoints, NestedRunsUnwindEveryLevelAndTheScriptMayCatchTheInterrupt)
 {
   NestedRunCommand nested;
   QTimer::singleShot(50, [] { GApp::MainWindow::requestAbort(); });
-  const RunResult result = run(QStringLiteral(
-      "import zut\n"
-      "try:\n"
-      "    zut.script.test.nested.run(code='import zut\\nzut.script.test.nested.run(code=\"while True: pass\")')\n"
-      "except zut.CommandError:\n"
-      "    print('not a command error')\n"
-      "except KeyboardInterrupt:\n"
-      "    print('interrupted')\n"),
+  const RunResult result = run(
+      QStringLiteral(
+          "import zut\n"
+          "try:\n"
+          "    zut.script.test.nested.run(code='import zut\\nzut.script.test.nested.run(code=\"while True: pass\")')\n"
+          "except zut.CommandError:\n"
+          "    print('not a command error')\n"
+          "except KeyboardInterrupt:\n"
+          "    print('interrupted')\n"),
       QString(), true);
   EXPECT_TRUE(result.ok) << qPrintable(result.log);
   EXPECT_EQ(result.output, QStringLiteral("interrupted\n"));
@@ -345,17 +349,17 @@ TEST(SafePoints, ScriptsReportProgressThroughTheHostUntilTheRunEnds)
   GApp::Progress& progress = GApp::Progress::getInstance();
   QSignalSpy changed(&progress, &GApp::Progress::signalProgressChanged);
   QSignalSpy cleared(&progress, &GApp::Progress::signalProgressCleared);
-  const RunResult result = run(QStringLiteral(
-      "import zut\n"
-      "zut.progress(1, 4, 'first')\n"
-      "zut.progress(done=3, total=4)\n"
-      "for bad in [(1, 0), (-1, 4), (5, 4), (float('nan'), 4), (1, float('inf'))]:\n"
-      "    try:\n"
-      "        zut.progress(*bad)\n"
-      "        print('accepted', bad)\n"
-      "    except ValueError:\n"
-      "        pass\n"),
-      QString(), true);
+  const RunResult result =
+      run(QStringLiteral("import zut\n"
+                         "zut.progress(1, 4, 'first')\n"
+                         "zut.progress(done=3, total=4)\n"
+                         "for bad in [(1, 0), (-1, 4), (5, 4), (float('nan'), 4), (1, float('inf'))]:\n"
+                         "    try:\n"
+                         "        zut.progress(*bad)\n"
+                         "        print('accepted', bad)\n"
+                         "    except ValueError:\n"
+                         "        pass\n"),
+          QString(), true);
   ASSERT_TRUE(result.ok) << qPrintable(result.log);
   EXPECT_EQ(result.output, QString());
   ASSERT_EQ(changed.size(), 2);
