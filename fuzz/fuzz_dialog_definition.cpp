@@ -5,6 +5,7 @@
 #include <QApplication>
 
 #include <cstdio>
+#include <optional>
 #include <cstdlib>
 
 #include "dialog_test_element.h"
@@ -33,6 +34,31 @@ extern "C" int LLVMFuzzerInitialize(int* argc, char*** argv)
 extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size)
 {
   const QString text = QString::fromUtf8(reinterpret_cast<const char*>(data), static_cast<qsizetype>(size));
+  // The checker goes on past faults, so it must find at least the one that stops the reader,
+  // and nothing else but element checks where the reader finds none.
+  std::optional<Vel::MSysScript::Xml::ParseException> first_fault;
+  try {
+    Vel::MSysScript::DialogDefinition::read(text);
+  } catch (const Vel::MSysScript::Xml::ParseException& fault) {
+    first_fault = fault;
+  } catch (const std::exception&) {
+  }
+  std::unique_ptr<Vel::MSysScript::DialogDefinition> checked;
+  const auto faults = Vel::MSysScript::DialogDefinition::check(text, &checked);
+  if (first_fault) {
+    bool found = false;
+    for (const auto& fault : faults)
+      found = found || (fault.line == first_fault->getLine() && fault.message == first_fault->getParseMessage());
+    if (!found)
+      fail("the checker misses the reader's fault", first_fault->getParseMessage());
+  } else if (checked) {
+    size_t element_faults = 0;
+    for (const auto& cell : checked->getCells())
+      element_faults += cell.widget->checkConfiguration(nullptr) ? 0 : 1;
+    if (element_faults != faults.size())
+      fail("the checker reports faults the reader does not have", text.left(200));
+  }
+
   try {
     const auto definition = Vel::MSysScript::DialogDefinition::read(text);
     const QString written = definition->write();

@@ -22,6 +22,7 @@
 #include "gscript/safe_points.h"
 #include "gscript/script_database.h"
 #include "zut_host.h"
+#include "zut_signals.h"
 
 namespace {
 
@@ -58,7 +59,9 @@ QJsonValue toJson(const QVariant& value)
   return QJsonValue::fromVariant(value);
 }
 
-// "NAME=VALUE": the value as a Python literal, or as text when it is none.
+// "NAME=VALUE": the value as a Python literal, or as text when it is none. False when the
+// argument is no assignment; a literal that no command takes throws CommandError, which the
+// program reports as a failed command.
 bool parseAssignment(const QString& argument, QString& name, QVariant& value)
 {
   const int equals = int(argument.indexOf(QLatin1Char('=')));
@@ -66,8 +69,13 @@ bool parseAssignment(const QString& argument, QString& name, QVariant& value)
     return false;
   name = argument.left(equals);
   const QString text = argument.mid(equals + 1);
-  if (!Vel::GScript::PythonInterpreter::parseLiteral(text, value))
-    value = text;
+  try {
+    if (!Vel::GScript::PythonInterpreter::parseLiteral(text, value))
+      value = text;
+  } catch (const Vel::GApp::CommandError& error) {
+    throw Vel::GApp::CommandError(error.getCode(),
+                                  Vel::ErrorLog(QStringLiteral("%1: %2").arg(argument, error.getLog().getText())));
+  }
   return true;
 }
 
@@ -154,6 +162,13 @@ int callCommand(ZutHost&, const QStringList& arguments, bool json)
 {
   if (arguments.isEmpty())
     return usage("call", QStringLiteral("no command given"));
+  if (arguments.contains(QLatin1String("--help")) || arguments.contains(QLatin1String("-h"))) {
+    const Vel::GApp::Command* command = Vel::GApp::CommandContainer::getInstance().getCommand(arguments.first());
+    if (!command)
+      return usage("call", QStringLiteral("no command named '%1' (see 'zut commands')").arg(arguments.first()));
+    printOut(QStringLiteral("Usage: zut call %1 [ARG=VALUE]...\n\n%2").arg(command->getName(), command->describe()));
+    return EXIT_OK;
+  }
   Vel::GApp::CommandParameters parameters;
   for (int i = 1; i < arguments.size(); ++i) {
     QString name;
@@ -265,13 +280,12 @@ int listScripts(ZutHost&, const QStringList& arguments, bool json)
   if (json) {
     QJsonArray list;
     for (const Vel::GScript::Script* script : scripts)
-      list.append(QJsonObject{
-          {QStringLiteral("level"), QString::fromLatin1(LEVELS[script->getConfigLevel()])},
-          {QStringLiteral("qualified_name"), script->getQualifiedName()},
-          {QStringLiteral("command"), Vel::GScript::ScriptDatabase::makeScriptCommandName(script->getQualifiedName())},
-          {QStringLiteral("display_name"), script->getDisplayName()},
-          {QStringLiteral("show_in_menu"), script->getShowInMenu()},
-          {QStringLiteral("path"), script->getPath()}});
+      list.append(QJsonObject{{QStringLiteral("level"), QString::fromLatin1(LEVELS[script->getConfigLevel()])},
+                              {QStringLiteral("qualified_name"), script->getQualifiedName()},
+                              {QStringLiteral("command"), script->getCommandName()},
+                              {QStringLiteral("display_name"), script->getDisplayName()},
+                              {QStringLiteral("show_in_menu"), script->getShowInMenu()},
+                              {QStringLiteral("path"), script->getPath()}});
     printJson(list);
     return EXIT_OK;
   }
@@ -282,8 +296,7 @@ int listScripts(ZutHost&, const QStringList& arguments, bool json)
   for (const Vel::GScript::Script* script : scripts)
     text += QStringLiteral("%1  %2  %3\n")
                 .arg(QString::fromLatin1(LEVELS[script->getConfigLevel()]).leftJustified(6),
-                     script->getQualifiedName().leftJustified(width),
-                     Vel::GScript::ScriptDatabase::makeScriptCommandName(script->getQualifiedName()));
+                     script->getQualifiedName().leftJustified(width), script->getCommandName());
   printOut(text);
   return EXIT_OK;
 }
@@ -396,7 +409,10 @@ int editor(ZutHost&, const QStringList& arguments, bool)
     window->close();
     return EXIT_OK;
   }
-  return QApplication::exec() == 0 ? EXIT_OK : EXIT_FAILED;
+  const QuitOnSignals quit_on_signals;
+  const int end = QApplication::exec();
+  // Ended by a signal: its status; the exit sequence that follows keeps what was not saved.
+  return end == 0 ? EXIT_OK : end > 128 ? end : EXIT_FAILED;
 }
 
 // The module's own reader checks each definition; faults as FILE:LINE: message.
@@ -469,8 +485,9 @@ const SubCommand SUB_COMMANDS[] = {
     {"exec", "CODE", "Runs Python text through the command sys.execute_python_code.", true, execCode},
     {"call", "COMMAND [ARG=VALUE]... [--json]",
      "Runs any registered command and prints its result. VALUE is read as a Python literal\n"
-     "(3, True, [1, 2], {'a': 1}), or taken as text when it is none.",
-     true, callCommand},
+     "(3, True, [1, 2], {'a': 1}), or taken as text when it is none. 'zut call COMMAND --help'\n"
+     "describes a command and its arguments.",
+     true, callCommand, true},
     {"commands", "[--json]", "Lists the registered commands: name, title and kind.", true, listCommands},
     {"editor", "[FILE.py] [--screenshot PNG]",
      "Opens the script editor on a file (created when saved), or on the script database's current\n"

@@ -22,6 +22,8 @@ struct SubCommand
   // Whether the sub-command needs the scripting module loaded.
   bool needs_module;
   int (*run)(ZutHost& host, const QStringList& arguments, bool json);
+  // Whether --help after the first operand asks about the operand (zut call COMMAND --help).
+  bool operand_help = false;
 };
 
 const SubCommand* findSubCommand(const QString& name);

@@ -4,6 +4,7 @@
 
 #include <csignal>
 
+#include "gapp/command.h"
 #include "gscript/safe_points.h"
 #include "gtools/error_dialog.h"
 #include "zut_commands.h"
@@ -80,7 +81,8 @@ int main(int argc, char* argv[])
   for (const QString& argument : arguments) {
     if (options && argument == QLatin1String("--")) {
       options = false;
-    } else if (options && (argument == QLatin1String("--help") || argument == QLatin1String("-h"))) {
+    } else if (options && (argument == QLatin1String("--help") || argument == QLatin1String("-h")) &&
+               !(sub_command->operand_help && !rest.isEmpty())) {
       printOut(help(*sub_command));
       return EXIT_OK;
     } else if (options && argument == QLatin1String("--json")) {
@@ -104,7 +106,15 @@ int main(int argc, char* argv[])
   }
   if (sub_command->needs_module && !host.start())
     return EXIT_FAILED;
-  const int status = sub_command->run(host, rest, json);
+  int status = EXIT_FAILED;
+  try {
+    status = sub_command->run(host, rest, json);
+  } catch (const Vel::GApp::CommandError& error) {
+    printErr(error.getText() + QLatin1Char('\n'));
+  } catch (const std::exception& error) {
+    // Nothing a user types may end the program without a message.
+    printErr(QStringLiteral("zut: internal error: %1\n").arg(QString::fromUtf8(error.what())));
+  }
   host.stop();
   return status;
 }

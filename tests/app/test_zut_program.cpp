@@ -4,10 +4,15 @@
 #include <QJsonDocument>
 #include <QJsonObject>
 #include <QProcess>
+#include <QStandardPaths>
 #include <QTemporaryDir>
+#include <QThread>
 
+#include <csignal>
 #include <gtest/gtest.h>
-#include <signal.h>
+#include <map>
+#include <memory>
+#include <vector>
 
 #include "test_util.h"
 
@@ -32,7 +37,7 @@ protected:
     return {process.exitCode(), QString::fromUtf8(process.readAllStandardOutput()),
             QString::fromUtf8(process.readAllStandardError())};
   }
-  void start(QProcess& process, const QStringList& arguments)
+  void start(QProcess& process, const QStringList& arguments, const QString& display = QString())
   {
     QProcessEnvironment environment = QProcessEnvironment::systemEnvironment();
     environment.insert(QStringLiteral("XDG_CONFIG_HOME"), home.filePath(QStringLiteral("config")));
@@ -40,6 +45,8 @@ protected:
     environment.remove(QStringLiteral("ZUT_PUBLIC_SCRIPTS"));
     environment.remove(QStringLiteral("DISPLAY"));
     environment.remove(QStringLiteral("QT_QPA_PLATFORM"));
+    if (!display.isEmpty())
+      environment.insert(QStringLiteral("DISPLAY"), display);
     process.setProcessEnvironment(environment);
     process.start(qEnvironmentVariable("ZUT_BIN"), arguments);
   }
@@ -106,9 +113,70 @@ TEST_F(ZutProgram, FailuresPrintCodeMessageAndLogAndExitOne)
       << qPrintable(failed.err);
   EXPECT_TRUE(failed.err.contains(QStringLiteral("ZeroDivisionError"))) << qPrintable(failed.err);
 
-  const Result placeholder = zut({QStringLiteral("call"), QStringLiteral("sys.create_user_defined_dialog")});
-  EXPECT_EQ(placeholder.status, 1);
-  EXPECT_TRUE(placeholder.err.contains(QStringLiteral("not available yet"))) << qPrintable(placeholder.err);
+  const Result no_content = zut({QStringLiteral("call"), QStringLiteral("sys.create_user_defined_dialog")});
+  EXPECT_EQ(no_content.status, 1);
+  EXPECT_TRUE(no_content.err.contains(QStringLiteral("'content' is missing"))) << qPrintable(no_content.err);
+}
+
+// Values no command can take and arguments a command does not have are the user's fault: a
+// code, a message naming the value or argument, exit 1 (never an abort).
+TEST_F(ZutProgram, BadArgumentValuesAndNamesFailWithCodeAndMessage)
+{
+  const QString script = file("p.py", "print(PARAMETERS)\n");
+  struct Case
+  {
+    QStringList arguments;
+    QString message;
+  };
+  const std::vector<Case> cases = {
+      {{QStringLiteral("run"), script, QStringLiteral("-p"), QStringLiteral("g={1,2}")},
+       QStringLiteral("g={1,2}: cannot pass an object of type 'set' to a command")},
+      {{QStringLiteral("run"), script, QStringLiteral("-p"), QStringLiteral("b=b\"1\"")},
+       QStringLiteral("b=b\"1\": cannot pass an object of type 'bytes' to a command")},
+      {{QStringLiteral("run"), script, QStringLiteral("-p"), QStringLiteral("big=99999999999999999999999")},
+       QStringLiteral("big=99999999999999999999999: integer too large")},
+      {{QStringLiteral("call"), QStringLiteral("sys.delay_script"), QStringLiteral("time=b\"1\"")},
+       QStringLiteral("time=b\"1\": cannot pass an object of type 'bytes'")},
+      {{QStringLiteral("call"), QStringLiteral("sys.execute_python_code"), QStringLiteral("code=print(1)"),
+        QStringLiteral("colect_stdout=True")},
+       QStringLiteral("sys.execute_python_code has no argument 'colect_stdout'; its arguments are code, parameters, "
+                      "collect_stdout, collect_stderr")},
+      {{QStringLiteral("call"), QStringLiteral("sys.execute_script"), QStringLiteral("file=") + script,
+        QStringLiteral("parameter={'a': 1}")},
+       QStringLiteral("sys.execute_script has no argument 'parameter'; its arguments are file, parameters, "
+                      "collect_stdout, collect_stderr")}};
+  for (const Case& c : cases) {
+    const Result result = zut(c.arguments);
+    SCOPED_TRACE(qPrintable(c.arguments.join(QLatin1Char(' '))));
+    EXPECT_EQ(result.status, 1);
+    EXPECT_TRUE(result.err.startsWith(QStringLiteral("GAppErr-0002: Invalid command argument\n")))
+        << qPrintable(result.err);
+    EXPECT_TRUE(result.err.contains(c.message)) << qPrintable(result.err);
+    EXPECT_TRUE(result.out.isEmpty()) << "nothing ran: " << qPrintable(result.out);
+  }
+}
+
+// A command's title, arguments and their types, from the command line and from Python.
+TEST_F(ZutProgram, CommandsExplainThemselves)
+{
+  const Result help = zut({QStringLiteral("call"), QStringLiteral("sys.import_script"), QStringLiteral("--help")});
+  EXPECT_EQ(help.status, 0) << qPrintable(help.err);
+  for (const char* line : {"Usage: zut call sys.import_script [ARG=VALUE]...\n\nImport Script\n",
+                           "  files (list, required)\n      file names of scripts to import\n",
+                           "  config_level (configuration level: 0, 1, 2 or system, public, user)\n"})
+    EXPECT_TRUE(help.out.contains(QString::fromLatin1(line))) << line << "\n" << qPrintable(help.out);
+
+  const Result python =
+      zut({QStringLiteral("exec"), QStringLiteral("import inspect, zut\n"
+                                                  "help(zut.script.sys.execute_script)\n"
+                                                  "print(inspect.signature(zut.interactive.sys.execute_script))\n"
+                                                  "print(dir(zut.script.sys)[:3])\n")});
+  EXPECT_EQ(python.status, 0) << qPrintable(python.err);
+  for (const char* text :
+       {"execute_script(*, file, parameters=None, collect_stdout=None, collect_stderr=None)\n", "Execute Script\n",
+        "collect_stdout (boolean)\n", "\n(*, file=None, parameters=None, collect_stdout=None, collect_stderr=None)\n",
+        "['close_user_defined_dialog', 'create_user_defined_dialog', 'delay_script']\n"})
+    EXPECT_TRUE(python.out.contains(QString::fromLatin1(text))) << text << "\n" << qPrintable(python.out);
 }
 
 TEST_F(ZutProgram, WrongUsageExitsTwoAndHelpExitsZero)
@@ -144,6 +212,73 @@ TEST_F(ZutProgram, ConfigurationSurvivesARestartAndRefusesBadValues)
           .object();
   EXPECT_EQ(item.value(QStringLiteral("value")).toBool(true), false);
   EXPECT_EQ(item.value(QStringLiteral("type")).toString(), QStringLiteral("boolean"));
+}
+
+TEST_F(ZutProgram, ConcurrentConfigChangesAreAllKept)
+{
+  const std::vector<std::pair<QString, QString>> changes{
+      {QStringLiteral("MSysScript/TabWidth"), QStringLiteral("8")},
+      {QStringLiteral("MSysScript/ShowTabs"), QStringLiteral("true")},
+      {QStringLiteral("MSysScript/HideWhenRecording"), QStringLiteral("false")},
+      {QStringLiteral("MSysScript/EditorDialog/Splitter"), QStringLiteral("0.5")},
+      {QStringLiteral("MSysScript/DialogEditor/Width"), QStringLiteral("700")},
+      {QStringLiteral("MSysScript/NumberWidget/Precision"), QStringLiteral("5")}};
+  std::vector<std::unique_ptr<QProcess>> processes;
+  for (const auto& change : changes) {
+    processes.push_back(std::make_unique<QProcess>());
+    start(*processes.back(), {QStringLiteral("config"), change.first, change.second});
+  }
+  for (auto& process : processes) {
+    ASSERT_TRUE(process->waitForFinished(60000));
+    EXPECT_EQ(process->exitCode(), 0) << process->readAllStandardError().constData();
+  }
+  for (const auto& change : changes)
+    EXPECT_EQ(zut({QStringLiteral("config"), change.first}).out, change.second + QLatin1Char('\n'))
+        << qPrintable(change.first);
+}
+
+namespace {
+
+// Whether process `pid` has a handler of its own for `signal` (it is ready to end in order).
+bool catches(qint64 pid, int signal)
+{
+  for (const QByteArray& line : readFile(QStringLiteral("/proc/%1/status").arg(pid)).split('\n'))
+    if (line.startsWith("SigCgt:"))
+      return (line.mid(7).trimmed().toULongLong(nullptr, 16) >> (signal - 1)) & 1;
+  return false;
+}
+
+}  // namespace
+
+TEST_F(ZutProgram, EditorEndsInOrderOnSigtermAndSighup)
+{
+  if (QStandardPaths::findExecutable(QStringLiteral("Xvfb")).isEmpty())
+    GTEST_SKIP() << "the editor needs a display; Xvfb is not installed";
+  QProcess xvfb;
+  xvfb.start(QStringLiteral("Xvfb"),
+             {QStringLiteral("-displayfd"), QStringLiteral("1"), QStringLiteral("-nolisten"), QStringLiteral("tcp")});
+  ASSERT_TRUE(xvfb.waitForReadyRead(20000)) << "Xvfb did not start";
+  const QString display = QLatin1Char(':') + QString::fromLatin1(xvfb.readLine()).trimmed();
+
+  const QString script = file("edited.py", "print('kept as it is')\r\n");
+  for (const int signal : {SIGTERM, SIGHUP}) {
+    QFile::remove(configFile());
+    QProcess editor;
+    start(editor, {QStringLiteral("editor"), script}, display);
+    ASSERT_TRUE(editor.waitForStarted());
+    for (int wait = 0; wait < 600 && !catches(editor.processId(), signal); ++wait)
+      QThread::msleep(100);
+    ASSERT_TRUE(catches(editor.processId(), signal)) << editor.readAllStandardError().constData();
+    ::kill(pid_t(editor.processId()), signal);
+    ASSERT_TRUE(editor.waitForFinished(30000));
+    EXPECT_EQ(editor.exitStatus(), QProcess::NormalExit) << signal;
+    EXPECT_EQ(editor.exitCode(), 128 + signal) << editor.readAllStandardError().constData();
+    // The exit sequence ran: the editor closed and its size was stored.
+    EXPECT_TRUE(readFile(configFile()).contains("MSysScript/EditorDialog/Size")) << signal;
+    EXPECT_EQ(readFile(script), QByteArray("print('kept as it is')\r\n"));
+  }
+  xvfb.terminate();
+  xvfb.waitForFinished();
 }
 
 TEST_F(ZutProgram, DamagedConfigurationIsKeptAsideAndReported)
@@ -194,6 +329,21 @@ TEST_F(ZutProgram, ScriptsDroppedIntoTheUserLevelBecomeCommands)
   EXPECT_EQ(list[1].toObject().value(QStringLiteral("level")).toString(), QStringLiteral("user"));
 }
 
+TEST_F(ZutProgram, ScriptsWhoseCommandNamesCollideAreListedUnderNamesOfTheirOwn)
+{
+  const QString scripts = home.filePath(QStringLiteral("data/zut/scripts"));
+  for (const char* folder : {"my tools", "my-tools", "my_tools"}) {
+    QDir().mkpath(scripts + QLatin1Char('/') + QString::fromLatin1(folder));
+    writeFile(scripts + QLatin1Char('/') + QString::fromLatin1(folder) + QStringLiteral("/x.py"),
+              QByteArray("print('") + folder + "')\n");
+  }
+  const Result list = zut({QStringLiteral("scripts")});
+  for (const char* line : {"my tools/x  userscript.my_tools.x_2\n", "my-tools/x  userscript.my_tools.x_3\n",
+                           "my_tools/x  userscript.my_tools.x\n"})
+    EXPECT_TRUE(list.out.contains(QString::fromLatin1(line))) << line << qPrintable(list.out);
+  EXPECT_EQ(zut({QStringLiteral("call"), QStringLiteral("userscript.my_tools.x_3")}).out, QStringLiteral("my-tools\n"));
+}
+
 TEST_F(ZutProgram, EditorToolsPrintBlocksColoursAndPictures)
 {
   const QString reference =
@@ -223,28 +373,47 @@ TEST_F(ZutProgram, LintReportsEachFaultWithFileAndLineAndNormalizesOlderWords)
            "<dialog><title>T</title><control id=\"Close\"/><embedding>embedded</embedding>\n"
            "<content rows=\"1\" columns=\"2\"><widget type=\"empty\" row=\"0\" column=\"1\"/></content>"
            "</dialog>\n");
-  const QString broken =
-      file("broken.xml",
-           "<dialog>\n<title>T</title>\n<control id=\"Close\"/>\n<content rows=\"1\" columns=\"1\">\n"
-           "<widget type=\"input::gauge\" row=\"0\" column=\"0\"/>\n</content>\n</dialog>\n");
+  // One fault of each kind: each is reported at its own line, the later ones despite the earlier.
+  const QString broken = file(
+      "broken.xml",
+      "<dialog>\n<title>T</title>\n<control id=\"Close\"/>\n<position>middle</position>\n"
+      "<content rows=\"1\" columns=\"4\">\n"
+      "<widget type=\"input::gauge\" row=\"0\" column=\"0\"/>\n"
+      "<widget type=\"button::pushbutton\" row=\"0\" column=\"1\"><name>b</name>\n<type>Toggle</type></widget>\n"
+      "<widget type=\"input::checkbox\" row=\"0\" column=\"2\"><name>c</name></widget>\n"
+      "<widget type=\"input::string\" row=\"0\" column=\"3\"><name>c</name></widget>\n"
+      "</content>\n</dialog>\n");
   const QString truncated = file("truncated.xml", "<dialog>\n<title>T</title>\n");
+  // Nesting far beyond any dialog is refused at once, not after the parser has worked through it.
+  QByteArray deep = "<dialog>\n";
+  for (int level = 0; level < 100000; ++level)
+    deep += "<a>";
+  const QString nested = file("nested.xml", deep);
 
   const Result clean = zut({QStringLiteral("lint"), good});
   EXPECT_EQ(clean.status, 0) << qPrintable(clean.err);
   EXPECT_EQ(clean.out, QString());
 
-  const Result faults = zut({QStringLiteral("lint"), good, broken, truncated});
+  const Result faults = zut({QStringLiteral("lint"), good, broken, truncated, nested});
   EXPECT_EQ(faults.status, 1);
   const QStringList lines = faults.err.split(QLatin1Char('\n'), Qt::SkipEmptyParts);
-  ASSERT_EQ(lines.size(), 2) << qPrintable(faults.err);
-  EXPECT_EQ(lines[0], broken + QStringLiteral(":5: The GUI element type \"input::gauge\" is expected."));
-  EXPECT_TRUE(lines[1].startsWith(truncated + QStringLiteral(":3: Parse error: "))) << qPrintable(lines[1]);
+  const QStringList expected = {
+      broken + QStringLiteral(":4: The type \"middle\" is invalid for tag \"position\"."),
+      broken + QStringLiteral(":6: The GUI element type \"input::gauge\" is expected."),
+      broken + QStringLiteral(":8: The button type \"Toggle\" is invalid."),
+      broken + QStringLiteral(":9: Element \"c\" does not has a labeling."),
+      broken + QStringLiteral(":10: The name \"c\" of the GUI element exists twice."),
+  };
+  ASSERT_EQ(lines.size(), expected.size() + 2) << qPrintable(faults.err);
+  EXPECT_EQ(lines.mid(0, expected.size()), expected);
+  EXPECT_TRUE(lines[5].startsWith(truncated + QStringLiteral(":3: Parse error: "))) << qPrintable(lines[5]);
+  EXPECT_EQ(lines[6], nested + QStringLiteral(":2: Parse error: elements are nested deeper than 256 levels"));
 
   const Result json = zut({QStringLiteral("lint"), QStringLiteral("--json"), broken});
   EXPECT_EQ(json.status, 1);
   const QJsonArray list = QJsonDocument::fromJson(json.out.toUtf8()).array();
-  ASSERT_EQ(list.size(), 1) << qPrintable(json.out);
-  EXPECT_EQ(list[0].toObject().value(QStringLiteral("line")).toInt(), 5);
+  ASSERT_EQ(list.size(), expected.size()) << qPrintable(json.out);
+  EXPECT_EQ(list[1].toObject().value(QStringLiteral("line")).toInt(), 6);
 
   const Result normalized = zut({QStringLiteral("lint"), QStringLiteral("--normalize"), good});
   ASSERT_EQ(normalized.status, 0) << qPrintable(normalized.err);
@@ -268,14 +437,17 @@ TEST_F(ZutProgram, ExampleDialogsPassLintAndBareElementsNormalizeToTheirDefaults
   EXPECT_EQ(lint.status, 0) << qPrintable(lint.err);
 
   QString cells;
-  const QStringList types{"input::number", "input::integer", "input::string", "input::slider",
-                          "input::checkbox", "input::date", "input::color"};
+  const QStringList types{"input::number", "input::integer",  "input::string",      "input::slider",
+                          "input::checkbox", "input::date", "input::color", "button::pushbutton", "button::abort"};
+  // A checkbox without a label and a push button without a text fail the check, so these two
+  // have the one tag they need and nothing else.
+  const std::map<QString, QString> needed = {{QStringLiteral("input::checkbox"), QStringLiteral("<title>Twice</title>")},
+                                             {QStringLiteral("button::pushbutton"), QStringLiteral("<text>Go</text>")}};
   for (int column = 0; column < types.size(); ++column)
-    // A checkbox without a label fails the check, so this one has its label and nothing else.
     cells += QStringLiteral("<widget type=\"%1\" row=\"0\" column=\"%2\"><name>e%2</name>%3</widget>\n")
                  .arg(types[column])
                  .arg(column)
-                 .arg(types[column] == QLatin1String("input::checkbox") ? "<title>Twice</title>" : "");
+                 .arg(needed.count(types[column]) ? needed.at(types[column]) : QString());
   const QString bare = file("bare.xml", QStringLiteral("<dialog><title>T</title><control id=\"Close\"/>\n"
                                                        "<content rows=\"1\" columns=\"%1\">\n%2</content></dialog>\n")
                                             .arg(types.size())
@@ -289,7 +461,10 @@ TEST_F(ZutProgram, ExampleDialogsPassLintAndBareElementsNormalizeToTheirDefaults
                                "<minimum>0</minimum>", "<step>1</step>", "<tick_interval>0.1</tick_interval>",
                                "<use_current_date>true</use_current_date>",
                                "<show_today_button>true</show_today_button>", "<alpha>255</alpha>",
-                               "<transparency_allowed>false</transparency_allowed>"})
+                               "<transparency_allowed>false</transparency_allowed>", "<type>push</type>",
+                               "<icon_type>none</icon_type>", "<icon_type>system</icon_type>",
+                               "<icon_system_type>ok</icon_system_type>", "<icon_system_type>cancel</icon_system_type>",
+                               "<icon_size>icon</icon_size>", "<icon_system_size>default</icon_system_size>"})
     EXPECT_TRUE(normalized.out.contains(QString::fromLatin1(expected))) << expected << "\n" << qPrintable(normalized.out);
   EXPECT_FALSE(normalized.out.contains(QStringLiteral("<unit>")));
 }

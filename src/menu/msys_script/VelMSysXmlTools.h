@@ -4,6 +4,7 @@
 #include <QDomElement>
 #include <QDomNode>
 #include <QString>
+#include <QStringList>
 
 #include <map>
 #include <vector>
@@ -101,21 +102,8 @@ public:
   void set(T value) { _current = value; }
   const std::map<T, QString>& getValues() const { return _values; }
 
-  QString getId() const
-  {
-    const auto pos = _values.find(_current);
-    if (pos == _values.end())
-      vel_assert("pos != _values.end ()", __func__, __FILE__, __LINE__);
-    return pos->second;
-  }
-
-  void setId(const QString& word)
-  {
-    const auto pos = find(word);
-    if (pos == _values.end())
-      throw ScriptTypeException(errorText("The value \"%1\" is invalid.", "id=38112").arg(word));
-    _current = pos->first;
-  }
+  QString getId() const { return getId(_current); }
+  void setId(const QString& word) { _current = create(word); }
 
   // The element is optional: without it the current value (the default) stays.
   void read(const QDomNode& parent, const QString& tag)
@@ -125,8 +113,35 @@ public:
     const QString word = getValue<QString>(parent, tag);
     const auto pos = find(word);
     if (pos == _values.end())
-      throw ParseException(parent, errorText("The type \"%1\" is invalid for tag \"%2\".", "id=38113").arg(word, tag));
+      throw ParseException(getChild(parent, tag),
+                           errorText("The type \"%1\" is invalid for tag \"%2\".", "id=38113").arg(word, tag));
     _current = pos->first;
+  }
+
+  // The table's word for any of its values, and the value for a word.
+  QString getId(T value) const
+  {
+    const auto pos = _values.find(value);
+    if (pos == _values.end())
+      vel_assert("pos != _values.end ()", __func__, __FILE__, __LINE__);
+    return pos->second;
+  }
+
+  T create(const QString& word) const
+  {
+    const auto pos = find(word);
+    if (pos == _values.end())
+      throw ScriptTypeException(errorText("The value \"%1\" is invalid.", "id=38112").arg(word));
+    return pos->first;
+  }
+
+  // The words in declaration order.
+  QStringList getIds() const
+  {
+    QStringList words;
+    for (const auto& entry : _values)
+      words << entry.second;
+    return words;
   }
 
   void create(QDomDocument* document, QDomNode& parent, const QString& tag) const

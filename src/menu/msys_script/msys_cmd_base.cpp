@@ -21,11 +21,6 @@ MSysCommand::MSysCommand(const QString& name, CatalogueText title,
   getMetaInfo().setArgumentTypes(arguments);
 }
 
-void MSysCommand::failNotAvailable() const
-{
-  throw GApp::CommandError(QStringLiteral("The command '%1' is not available yet.").arg(getName()));
-}
-
 void failCommand(const char* code, const ErrorLog& log)
 {
   throw GApp::CommandError(QString::fromLatin1(code), log);

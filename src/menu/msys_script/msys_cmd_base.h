@@ -29,9 +29,6 @@ public:
   QString getMenuTitle() const override { return _menu_title.text ? _menu_title.toString() : getTitle(); }
 
 protected:
-  // For commands whose behaviour has not been built yet: a clear failure, never a silent no-op.
-  [[noreturn]] void failNotAvailable() const;
-
 private:
   CatalogueText _title;
   CatalogueText _menu_title;

@@ -17,7 +17,7 @@ using Meta = GApp::CommandMetaInfo;
 
 DelayCommand::DelayCommand()
     : MSysCommand(QStringLiteral("sys.delay_script"), {"MSysScript_cmd", "Delay script execution", "id=9984"},
-                  {{QStringLiteral("time"), Meta::TYPE_DOUBLE, QStringLiteral("time to wait in seconds")}})
+                  {{QStringLiteral("time"), Meta::TYPE_DOUBLE, QStringLiteral("time to wait in seconds"), true}})
 {}
 
 void DelayCommand::execute(const GApp::CommandParameters& parameters)

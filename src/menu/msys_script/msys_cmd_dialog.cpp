@@ -1,5 +1,9 @@
 #include "menu/msys_script/msys_cmd_dialog.h"
 
+#include "menu/msys_script/msys_dlg_user_defined.h"
+#include "menu/msys_script/msys_error_codes.h"
+#include "gtools/error_dialog.h"
+
 namespace Vel::MSysScript {
 
 using Meta = GApp::CommandMetaInfo;
@@ -7,22 +11,77 @@ using Meta = GApp::CommandMetaInfo;
 namespace {
 Meta::Argument contentArgument()
 {
-  return {QStringLiteral("content"), Meta::TYPE_STRING, QStringLiteral("the dialog definition text")};
+  return {QStringLiteral("content"), Meta::TYPE_STRING, QStringLiteral("the dialog definition text"), true};
 }
 Meta::Argument dialogArgument()
 {
-  return {QStringLiteral("dialog"), Meta::TYPE_OBJECT, QStringLiteral("a dialog handle")};
+  return {QStringLiteral("dialog"), Meta::TYPE_OBJECT, QStringLiteral("a dialog handle"), true};
 }
+
+// A dialog that waits for a person fails at once where nobody and nothing can answer it.
+void requireAnswer(UserDefinedDialog* dialog)
+{
+  if (GTools::isInteractive())
+    return;
+  const UserDefinedDialog::Responder& responder = UserDefinedDialog::getResponder();
+  if (responder && responder(dialog))
+    return;
+  failCommand(ERR_EXECUTE_SCRIPT,
+              errorText("The dialog \"%1\" waits for a person, but there is no display and no answer for it.")
+                  .arg(dialog->getHeader().title));
+}
+
+QVariant resultOf(const UserDefinedDialog& dialog)
+{
+  QVariantMap values;
+  for (const DialogDefinition::Cell& cell : dialog.getCells())
+    if (cell.widget->getCreatorId() != DialogWidgetCreator::EMPTY_WIDGET_ID)
+      values.insert(cell.widget->getName(), cell.widget->getValue());
+  return QVariantMap{{QStringLiteral("result"), dialog.getResult()}, {QStringLiteral("values"), values}};
+}
+
+UserDefinedDialog* dialogOf(const GApp::CommandParameters& parameters, const char* key)
+{
+  const DialogHandle handle = getArgument<DialogHandle>(parameters, QStringLiteral("dialog"));
+  UserDefinedDialog* dialog = UserDefinedDialog::find(handle.id);
+  if (!dialog)
+    failCommand(ERR_EXECUTE_SCRIPT, errorText("A dialog with this ID does not exist.", key));
+  return dialog;
+}
+
+// Runs a dialog until it is closed; the closed dialog leaves the map.
+QVariant runToEnd(UserDefinedDialog* dialog)
+{
+  try {
+    requireAnswer(dialog);
+  } catch (...) {
+    dialog->deleteLater();
+    throw;
+  }
+  dialog->run();
+  dialog->deleteLater();
+  if (const std::exception_ptr fault = dialog->takeFault())
+    std::rethrow_exception(fault);
+  return resultOf(*dialog);
+}
+
 }  // namespace
+
+int dialogHandleTypeId()
+{
+  static const int id = qRegisterMetaType<DialogHandle>("Vel::MSysScript::DialogHandle");
+  return id;
+}
 
 CreateDialogCommand::CreateDialogCommand()
     : MSysCommand(QStringLiteral("sys.create_user_defined_dialog"),
                   {"MSysScript_cmd", "Create User-Defined Dialog", "id=27659"}, {contentArgument()})
 {}
 
-void CreateDialogCommand::execute(const GApp::CommandParameters&)
+void CreateDialogCommand::execute(const GApp::CommandParameters& parameters)
 {
-  failNotAvailable();
+  auto* dialog = new UserDefinedDialog(getArgument<QString>(parameters, QStringLiteral("content")));
+  setResult(QVariant::fromValue(DialogHandle{dialog->getId()}));
 }
 
 ExecuteDialogCommand::ExecuteDialogCommand()
@@ -30,29 +89,36 @@ ExecuteDialogCommand::ExecuteDialogCommand()
                   {"MSysScript_cmd", "Executing user-defined dialog", "id=27660"}, {contentArgument()})
 {}
 
-void ExecuteDialogCommand::execute(const GApp::CommandParameters&)
+void ExecuteDialogCommand::execute(const GApp::CommandParameters& parameters)
 {
-  failNotAvailable();
+  setResult(runToEnd(new UserDefinedDialog(getArgument<QString>(parameters, QStringLiteral("content")))));
 }
 
 ShowDialogCommand::ShowDialogCommand()
     : MSysCommand(QStringLiteral("sys.show_user_defined_dialog"),
                   {"MSysScript_cmd", "Show User-Defined Dialog", "id=27661"}, {dialogArgument()})
-{}
-
-void ShowDialogCommand::execute(const GApp::CommandParameters&)
 {
-  failNotAvailable();
+  dialogHandleTypeId();
+}
+
+void ShowDialogCommand::execute(const GApp::CommandParameters& parameters)
+{
+  setResult(runToEnd(dialogOf(parameters, "id=27662")));
 }
 
 OpenDialogCommand::OpenDialogCommand()
     : MSysCommand(QStringLiteral("sys.open_user_defined_dialog"),
                   {"MSysScript_cmd", "Open User-Defined Dialog", "id=28564"}, {dialogArgument()})
-{}
-
-void OpenDialogCommand::execute(const GApp::CommandParameters&)
 {
-  failNotAvailable();
+  dialogHandleTypeId();
+}
+
+void OpenDialogCommand::execute(const GApp::CommandParameters& parameters)
+{
+  UserDefinedDialog* dialog = dialogOf(parameters, "id=28565");
+  // A closed modeless dialog leaves the map; nothing else holds it.
+  QObject::connect(dialog, &UserDefinedDialog::signalClosed, dialog, &QObject::deleteLater, Qt::UniqueConnection);
+  dialog->openModeless();
 }
 
 CloseDialogCommand::CloseDialogCommand()
@@ -61,11 +127,21 @@ CloseDialogCommand::CloseDialogCommand()
                   {dialogArgument(),
                    {QStringLiteral("result"), Meta::TYPE_ANY,
                     QStringLiteral("optional, the value that the closed dialog returns")}})
-{}
-
-void CloseDialogCommand::execute(const GApp::CommandParameters&)
 {
-  failNotAvailable();
+  dialogHandleTypeId();
+}
+
+void CloseDialogCommand::execute(const GApp::CommandParameters& parameters)
+{
+  UserDefinedDialog* dialog = dialogOf(parameters, "id=28569");
+  if (!dialog->canCloseNow())
+    failCommand(ERR_EXECUTE_SCRIPT, errorText("Presently, you cannot close the dialog. Either sub-dialogs are still "
+                                              "open or other menu functions are active.",
+                                              "id=28568"));
+  std::optional<QVariant> result;
+  if (parameters.contains(QStringLiteral("result")))
+    result = parameters.get(QStringLiteral("result")).getValue();
+  dialog->closeWithResult(result);
 }
 
 }  // namespace Vel::MSysScript

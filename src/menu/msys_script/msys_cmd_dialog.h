@@ -1,10 +1,23 @@
 #pragma once
 
+#include <QMetaType>
+
 #include "menu/msys_script/msys_cmd_base.h"
 
 namespace Vel::MSysScript {
 
-// The commands through which scripts build and drive user-defined dialogs.
+// What a script holds of a dialog it made: the dialog's id in the dialog map.
+struct DialogHandle
+{
+  int id = 0;
+  bool operator==(const DialogHandle& other) const { return id == other.id; }
+};
+
+// The meta-type id of DialogHandle, registered on first use.
+int dialogHandleTypeId();
+
+// The commands through which scripts build and drive user-defined dialogs. A dialog that runs
+// until it is closed returns {"result": ..., "values": {element name: value}}.
 
 class CreateDialogCommand : public MSysCommand
 {
@@ -42,3 +55,5 @@ public:
 };
 
 }  // namespace Vel::MSysScript
+
+Q_DECLARE_METATYPE(Vel::MSysScript::DialogHandle)

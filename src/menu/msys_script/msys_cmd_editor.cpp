@@ -6,8 +6,12 @@
 
 namespace Vel::MSysScript {
 
+using Meta = GApp::CommandMetaInfo;
+
 EditorCommand::EditorCommand()
-    : MSysCommand(QStringLiteral("sys.show_script_editor"), {"MSysScript_cmd", "Edit Script", "id=25937"}, {},
+    : MSysCommand(QStringLiteral("sys.show_script_editor"), {"MSysScript_cmd", "Edit Script", "id=25937"},
+                  {{QStringLiteral("file"), Meta::TYPE_STRING,
+                    QStringLiteral("script file to edit; without it, the current script")}},
                   {"MSysScript_menu", "Edit Script", "id=9985"})
 {}
 

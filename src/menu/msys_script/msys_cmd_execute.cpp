@@ -82,7 +82,7 @@ bool applyRunArguments(const GApp::CommandParameters& parameters, GScript::Execu
 
 ExecuteScriptCommand::ExecuteScriptCommand()
     : MSysCommand(QStringLiteral("sys.execute_script"), {"MSysScript_cmd", "Execute Script", "id=25938"},
-                  {{ARG_FILE, Meta::TYPE_FILE, QStringLiteral("file name")},
+                  {{ARG_FILE, Meta::TYPE_FILE, QStringLiteral("file name"), true},
                    parametersArgument(),
                    stdoutArgument(),
                    stderrArgument()},
@@ -130,7 +130,7 @@ bool ExecuteScriptCommand::prepareInteractive(GApp::CommandParameters& parameter
 
 ExecutePythonCodeCommand::ExecutePythonCodeCommand()
     : MSysCommand(QStringLiteral("sys.execute_python_code"), {"MSysScript_cmd", "execute python code", nullptr},
-                  {{ARG_CODE, Meta::TYPE_STRING, QStringLiteral("code")},
+                  {{ARG_CODE, Meta::TYPE_STRING, QStringLiteral("code"), true},
                    parametersArgument(),
                    stdoutArgument(),
                    stderrArgument()})

@@ -3,6 +3,7 @@
 #include <QDir>
 #include <QFile>
 #include <QFileDialog>
+#include <QFileInfo>
 #include <QSaveFile>
 
 #include "core/translate.h"
@@ -24,12 +25,39 @@ QString archiveFilter()
   return QStringLiteral("Script archives (*.scriptar)");
 }
 
+// A script's icon, read only from inside the script's level of the database: the name comes
+// from a metadata file that anyone may have written. False with the reason otherwise.
+bool readIcon(const GScript::Script& script, QByteArray& icon, QString& reason)
+{
+  const QString name = script.getMetadata().icon;
+  if (!isStorableIconName(name, reason))
+    return false;
+  const QString root = QFileInfo(GScript::ScriptDatabase::levelRoot(script.getConfigLevel())).canonicalFilePath();
+  const QString path = QFileInfo(script.getPath()).dir().filePath(name);
+  const QString real = QFileInfo(path).canonicalFilePath();  // through any link
+  if (real.isEmpty()) {
+    reason = QStringLiteral("%1 does not exist").arg(QDir::toNativeSeparators(path));
+    return false;
+  }
+  if (root.isEmpty() || !real.startsWith(root + QLatin1Char('/'))) {
+    reason = QStringLiteral("%1 lies outside the script database").arg(QDir::toNativeSeparators(path));
+    return false;
+  }
+  QFile file(real);
+  if (!file.open(QIODevice::ReadOnly)) {
+    reason = QStringLiteral("%1: %2").arg(QDir::toNativeSeparators(path), file.errorString());
+    return false;
+  }
+  icon = file.readAll();
+  return true;
+}
+
 }  // namespace
 
 ImportScriptArchiveCommand::ImportScriptArchiveCommand()
     : MSysCommand(
           QStringLiteral("sys.import_script_archive"), {"MSysScript_cmd", "Import Script Archive", "id=10014"},
-          {{QStringLiteral("file"), Meta::TYPE_FILE, QStringLiteral("file name of the imported script archive")}})
+          {{QStringLiteral("file"), Meta::TYPE_FILE, QStringLiteral("file name of the imported script archive"), true}})
 {}
 
 bool ImportScriptArchiveCommand::prepareInteractive(GApp::CommandParameters& parameters)
@@ -78,9 +106,10 @@ void ImportScriptArchiveCommand::execute(const GApp::CommandParameters& paramete
 // ---------------------------------------------------------------------------------------------
 
 ExportScriptArchiveCommand::ExportScriptArchiveCommand()
-    : MSysCommand(QStringLiteral("sys.export_script_archive"), {"MSysScript_cmd", "Export Script Archive", "id=10030"},
-                  {{QStringLiteral("file"), Meta::TYPE_FILE, QStringLiteral("file name of the created script archive")},
-                   {QStringLiteral("names"), Meta::TYPE_LIST, QStringLiteral("names of scripts to export")}})
+    : MSysCommand(
+          QStringLiteral("sys.export_script_archive"), {"MSysScript_cmd", "Export Script Archive", "id=10030"},
+          {{QStringLiteral("file"), Meta::TYPE_FILE, QStringLiteral("file name of the created script archive"), true},
+           {QStringLiteral("names"), Meta::TYPE_LIST, QStringLiteral("names of scripts to export")}})
 {}
 
 bool ExportScriptArchiveCommand::prepareInteractive(GApp::CommandParameters& parameters)
@@ -108,19 +137,29 @@ void ExportScriptArchiveCommand::execute(const GApp::CommandParameters& paramete
     file_names << (name.endsWith(QStringLiteral(".py")) ? name : name + QStringLiteral(".py"));
 
   ErrorLog log;
+  ErrorLog warnings;
   std::vector<ArchivedScript> scripts;
   for (const QString& file_name : file_names) {
     ArchivedScript entry;
     entry.file_name = file_name;
-    if (!database->readScriptBytes(file_name, entry.code, &entry.icon, log))
+    if (!database->readScriptBytes(file_name, entry.code, nullptr, log))
       failCommand(ERR_EXPORT_ARCHIVE, log);
-    entry.metadata = database->getScript(file_name)->getMetadata();
+    const GScript::Script* script = database->getScript(file_name);
+    entry.metadata = script->getMetadata();
+    QString reason;
+    if (!entry.metadata.icon.isEmpty() && !readIcon(*script, entry.icon, reason)) {
+      // The script matters more than its picture.
+      warnings.addLine(QStringLiteral("%1: the icon is left out (%2).").arg(file_name, reason));
+      entry.metadata.icon.clear();
+    }
     scripts.push_back(std::move(entry));
   }
   const QByteArray bytes = ScriptArchive::write(scripts);
   QSaveFile file(path);
   if (!file.open(QIODevice::WriteOnly) || file.write(bytes) != bytes.size() || !file.commit())
     failCommand(ERR_EXPORT_ARCHIVE, QStringLiteral("%1: %2").arg(QDir::toNativeSeparators(path), file.errorString()));
+  if (!warnings.isEmpty())
+    GTools::ErrorDialog(QString::fromLatin1(ERR_LOAD_IMAGE), warnings.getText());
   setResult(file_names);
 }
 

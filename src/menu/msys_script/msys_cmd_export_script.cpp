@@ -35,7 +35,74 @@ bool readFile(const QString& path, QByteArray& bytes, ErrorLog& log)
   return true;
 }
 
+// A name as a user can read it: control characters (a NUL among them) spelt out.
+QString printable(const QString& name)
+{
+  QString text;
+  for (const QChar c : name)
+    text += c.unicode() < 0x20 || c.unicode() == 0x7f
+                ? QStringLiteral("\\x%1").arg(c.unicode(), 2, 16, QLatin1Char('0'))
+                : QString(c);
+  return text;
+}
+
+// One part of a path: the file system must store it as it is, and the database must list it.
+bool isStorablePart(const QString& part, QString& reason)
+{
+  if (part.isEmpty() || part == QLatin1String(".") || part == QLatin1String("..")) {
+    reason = QStringLiteral("a part of it is empty, '.' or '..'");
+    return false;
+  }
+  if (part.startsWith(QLatin1Char('.'))) {
+    reason = QStringLiteral("a name beginning with '.' is hidden and would never be listed");
+    return false;
+  }
+  for (const QChar c : part) {
+    if (c.unicode() < 0x20 || c.unicode() == 0x7f || c.isSurrogate() || c.isNonCharacter()) {
+      reason = QStringLiteral("it holds a control character");
+      return false;
+    }
+    if (c == QLatin1Char('\\')) {
+      reason = QStringLiteral("folders are separated by '/', not '\\'");
+      return false;
+    }
+  }
+  return true;
+}
+
 }  // namespace
+
+bool isStorableScriptName(const QString& file_name, QString& reason)
+{
+  QString why;
+  if (!file_name.endsWith(PY) || file_name.size() == PY.size())
+    why = QStringLiteral("a script name ends in '.py'");
+  else if (file_name.startsWith(QLatin1Char('/')))
+    why = QStringLiteral("a script name is relative to its level");
+  else
+    for (const QString& part : file_name.split(QLatin1Char('/')))
+      if (!isStorablePart(part, why))
+        break;
+  if (why.isEmpty())
+    return true;
+  reason = QStringLiteral("'%1' is not a valid script name: %2.").arg(printable(file_name), why);
+  return false;
+}
+
+bool isStorableIconName(const QString& icon_name, QString& reason)
+{
+  QString why;
+  if (icon_name.contains(QLatin1Char('/')))
+    why = QStringLiteral("icons are kept beside their script");
+  else if (icon_name.endsWith(PY) || icon_name.endsWith(QStringLiteral(".meta.json")))
+    why = QStringLiteral("it would replace a script or its metadata");
+  else
+    isStorablePart(icon_name, why);
+  if (why.isEmpty())
+    return true;
+  reason = QStringLiteral("'%1' is not a valid icon name: %2.").arg(printable(icon_name), why);
+  return false;
+}
 
 bool writeScripts(GScript::ScriptDatabase& database, int level, const std::vector<ScriptToWrite>& scripts,
                   bool replace_existing, ErrorLog& log)
@@ -49,8 +116,10 @@ bool writeScripts(GScript::ScriptDatabase& database, int level, const std::vecto
   };
   std::vector<Previous> previous;
   for (const ScriptToWrite& script : scripts) {
-    if (!GScript::ScriptDatabase::isValidFileName(script.file_name)) {
-      log.addLine(QStringLiteral("'%1' is not a valid script name.").arg(script.file_name));
+    QString reason;
+    if (!isStorableScriptName(script.file_name, reason) ||
+        (!script.icon_name.isEmpty() && !isStorableIconName(script.icon_name, reason))) {
+      log.addLine(reason);
       return false;
     }
     if (PythonScriptDatabase::isRunning(script.file_name)) {
@@ -99,7 +168,7 @@ bool writeScripts(GScript::ScriptDatabase& database, int level, const std::vecto
 ImportScriptCommand::ImportScriptCommand()
     : MSysCommand(
           QStringLiteral("sys.import_script"), {"MSysScript_cmd", "Import Script", "id=9991"},
-          {{QStringLiteral("files"), Meta::TYPE_LIST, QStringLiteral("file names of scripts to import")},
+          {{QStringLiteral("files"), Meta::TYPE_LIST, QStringLiteral("file names of scripts to import"), true},
            {QStringLiteral("names"), Meta::TYPE_LIST, QStringLiteral("names of scripts resulting from the import")},
            {QStringLiteral("config_level"), Meta::TYPE_CONFIG_LEVEL,
             QStringLiteral("config level where the scripts are stored")},
@@ -130,9 +199,12 @@ void ImportScriptCommand::execute(const GApp::CommandParameters& parameters)
   };
   const QStringList names = optionalList("names");
   const QStringList display_names = optionalList("display_names");
-  const int level = parameters.contains(QStringLiteral("config_level"))
-                        ? getArgument<int>(parameters, QStringLiteral("config_level"))
-                        : int(GScript::LEVEL_USER);
+  int level = GScript::LEVEL_USER;
+  if (parameters.contains(QStringLiteral("config_level")) &&
+      !Meta::readConfigLevel(parameters.get(QStringLiteral("config_level")).getValue(), level))
+    throw GApp::CommandError(
+        QString::fromLatin1(GApp::ERR_INVALID_ARGUMENT),
+        ErrorLog(QStringLiteral("config_level takes a %1").arg(Meta::typeCodeDescription(Meta::TYPE_CONFIG_LEVEL))));
   const bool replace = parameters.contains(QStringLiteral("replace_existing_scripts")) &&
                        getArgument<bool>(parameters, QStringLiteral("replace_existing_scripts"));
 
@@ -171,7 +243,7 @@ void ImportScriptCommand::execute(const GApp::CommandParameters& parameters)
 ExportScriptCommand::ExportScriptCommand()
     : MSysCommand(
           QStringLiteral("sys.export_script"), {"MSysScript_cmd", "Export Script", "id=10010"},
-          {{QStringLiteral("file"), Meta::TYPE_FILE, QStringLiteral("file name of the created script archive")}})
+          {{QStringLiteral("file"), Meta::TYPE_FILE, QStringLiteral("file name of the created script archive"), true}})
 {}
 
 bool ExportScriptCommand::prepareInteractive(GApp::CommandParameters& parameters)

@@ -10,6 +10,12 @@ struct ScriptMetadata;
 
 namespace Vel::MSysScript {
 
+// Whether a name from outside (an archive, an import) can be stored in the database and found
+// there again: a relative path of visible, printable parts ending in ".py"; an icon is a plain
+// file name beside its script that is neither a script nor metadata. False with the reason.
+bool isStorableScriptName(const QString& file_name, QString& reason);
+bool isStorableIconName(const QString& icon_name, QString& reason);
+
 // Writes scripts into the database as one step: everything is checked first (names, levels,
 // scripts that run, scripts that exist), then written; a failed write takes back what this
 // step wrote. Returns false with the reason in `log`.

@@ -98,7 +98,7 @@ void ScriptCommand::update(const GScript::ScriptDatabase& database)
   GApp::CommandContainer& container = GApp::CommandContainer::getInstance();
   std::map<QString, const GScript::Script*> wanted;
   for (const GScript::Script* script : database.getAllScripts())
-    wanted[GScript::ScriptDatabase::makeScriptCommandName(script->getQualifiedName())] = script;
+    wanted[script->getCommandName()] = script;
 
   // Walk the script commands, which are contiguous in the name order; deleting one withdraws
   // it from the container, so the next position is taken first.
@@ -126,8 +126,9 @@ void ScriptCommand::update(const GScript::ScriptDatabase& database)
     QStringList members;
     for (const GScript::Script* script : folder->getScripts())
       if (script->getShowInMenu())
-        members << GScript::ScriptDatabase::makeScriptCommandName(script->getQualifiedName());
-    groups[GScript::ScriptDatabase::makeGroupCommandName(folder->getQualifiedName())] = members;
+        members << script->getCommandName();
+    // Folders whose names differ only in characters a command name cannot hold share a group.
+    groups[GScript::ScriptDatabase::makeGroupCommandName(folder->getQualifiedName())] << members;
   }
   const QString group_prefix = GScript::ScriptDatabase::makeGroupCommandName(QString());
   for (auto it = container.lowerBound(group_prefix); it != container.end() && it->first.startsWith(group_prefix);) {

@@ -9,7 +9,7 @@ namespace Vel::MSysScript {
 SetTestTimeoutCommand::SetTestTimeoutCommand()
     : MSysCommand(
           QStringLiteral("sys.set_test_timeout"), {"MSysScript_cmd", "set timeout for script tests", nullptr},
-          {{QStringLiteral("timeout"), GApp::CommandMetaInfo::TYPE_DOUBLE, QStringLiteral("timeout in seconds")}})
+          {{QStringLiteral("timeout"), GApp::CommandMetaInfo::TYPE_DOUBLE, QStringLiteral("timeout in seconds"), true}})
 {}
 
 void SetTestTimeoutCommand::execute(const GApp::CommandParameters& parameters)

@@ -2,7 +2,10 @@
 
 #include <QDomDocument>
 #include <QSet>
+#include <QXmlStreamReader>
 #include <QXmlStreamWriter>
+
+#include <functional>
 
 #include <algorithm>
 
@@ -65,13 +68,30 @@ int optionalSpan(const QDomElement& element, const QString& name)
   return Xml::hasAttribute(element, name) ? Xml::getAttribute<int>(element, name) : 1;
 }
 
-void readHeader(const QDomElement& root, DialogHeader& header)
-{
-  header.title = Xml::getValue<QString>(root, TAG_TITLE);
-  header.control_id = Xml::getAttribute<QString>(Xml::getChild(root, TAG_CONTROL), ATTR_ID);
-  header.position.read(root, TAG_POSITION);
+// Where reading faults go: the reader stops at the first, the checker collects them all.
+using FaultSink = std::function<void(const Xml::ParseException&)>;
 
-  if (Xml::hasChild(root, TAG_EMBEDDING)) {
+template <typename Step>
+bool guarded(const FaultSink& sink, Step step)
+{
+  try {
+    step();
+    return true;
+  } catch (const Xml::ParseException& fault) {
+    sink(fault);
+    return false;
+  }
+}
+
+void readHeader(const QDomElement& root, DialogHeader& header, const FaultSink& sink)
+{
+  guarded(sink, [&] { header.title = Xml::getValue<QString>(root, TAG_TITLE); });
+  guarded(sink, [&] { header.control_id = Xml::getAttribute<QString>(Xml::getChild(root, TAG_CONTROL), ATTR_ID); });
+  guarded(sink, [&] { header.position.read(root, TAG_POSITION); });
+
+  guarded(sink, [&] {
+    if (!Xml::hasChild(root, TAG_EMBEDDING))
+      return;
     const QString word = Xml::getValue<QString>(root, TAG_EMBEDDING);
     if (word == EMBEDDING_OLD_EMBEDDED) {
       header.embedding.set(DialogEmbedding::EmbeddedInKiosk);
@@ -82,28 +102,33 @@ void readHeader(const QDomElement& root, DialogHeader& header)
     } else {
       header.embedding.read(root, TAG_EMBEDDING);
     }
-  }
+  });
 
-  header.size_mode.read(root, TAG_SIZEMODE);
+  guarded(sink, [&] { header.size_mode.read(root, TAG_SIZEMODE); });
 
-  if (Xml::hasChild(root, TAG_SIZE)) {
+  guarded(sink, [&] {
+    if (!Xml::hasChild(root, TAG_SIZE))
+      return;
     const QDomElement size = Xml::getChild(root, TAG_SIZE);
     const int width = Xml::getAttribute<int>(size, ATTR_WIDTH);
     const int height = Xml::getAttribute<int>(size, ATTR_HEIGHT);
     header.size = width < 1 || height < 1 ? QSize() : QSize(width, height);
-  }
+  });
 
-  if (Xml::hasChild(root, TAG_STYLE)) {
+  guarded(sink, [&] {
+    if (!Xml::hasChild(root, TAG_STYLE))
+      return;
     const QDomElement style = Xml::getChild(root, TAG_STYLE);
     const QString name = style.text();
     const DialogStyle* found = DialogStyleDatabase::findStyle(name);
     if (!found)
       throw Xml::ParseException(style, dialogErr("The dialog style \"%1\" is unknown.").arg(name));
     header.style = found->getId();
-  }
+  });
 }
 
-void readGrid(const QDomElement& root, DialogDefinition& definition, DialogWidget::DialogMode::Type_t mode)
+void readGrid(const QDomElement& root, DialogDefinition& definition, DialogWidget::DialogMode::Type_t mode,
+              const FaultSink& sink)
 {
   const QDomElement content = Xml::getChild(root, TAG_CONTENT);
   const int rows = Xml::getAttribute<int>(content, ATTR_ROWS);
@@ -118,7 +143,7 @@ void readGrid(const QDomElement& root, DialogDefinition& definition, DialogWidge
 
   DialogRegistry* registry = DialogRegistry::getRegistry();
   Coverage coverage(rows, columns);
-  for (const QDomElement& element : Xml::getChildren(content, TAG_WIDGET)) {
+  for (const QDomElement& element : Xml::getChildren(content, TAG_WIDGET)) guarded(sink, [&] {
     const QString type = Xml::getAttribute<QString>(element, ATTR_TYPE);
     const DialogWidgetCreator* creator = type == DialogWidgetCreator::EMPTY_WIDGET_ID
                                              ? DialogRegistry::getEmptyWidgetCreator()
@@ -141,19 +166,21 @@ void readGrid(const QDomElement& root, DialogDefinition& definition, DialogWidge
     if (column_span < 1 || column_span > columns - column)
       throw Xml::ParseException(element, dialogErr("Invalid column %1").arg(qint64(column) + column_span - 1));
     for (int r = row; r < row + row_span; ++r)
-      for (int c = column; c < column + column_span; ++c) {
+      for (int c = column; c < column + column_span; ++c)
         if (coverage.isCovered(r, c))
           throw Xml::ParseException(element, dialogErr("Duplicate cell entry in (%1, %2).").arg(r).arg(c));
-        coverage.cover(r, c);
-      }
 
-    DialogWidget* widget = creator->createWidget();
+    std::unique_ptr<DialogWidget> widget(creator->createWidget());
     widget->setObjectName(type);
     widget->setDialogMode(mode);
     widget->setSourceLine(element.lineNumber());
-    definition.addCell(widget, row, column, row_span, column_span);
     widget->parseXml(element);
-  }
+    // An element that could not be read leaves its cells to the placeholders.
+    for (int r = row; r < row + row_span; ++r)
+      for (int c = column; c < column + column_span; ++c)
+        coverage.cover(r, c);
+    definition.addCell(widget.release(), row, column, row_span, column_span);
+  });
 
   for (int r = 0; r < rows; ++r)
     for (int c = 0; c < columns; ++c)
@@ -165,7 +192,7 @@ void readGrid(const QDomElement& root, DialogDefinition& definition, DialogWidge
       }
 }
 
-void checkNames(const DialogDefinition& definition)
+void checkNames(const DialogDefinition& definition, const FaultSink& sink)
 {
   QSet<QString> names;
   for (const DialogDefinition::Cell& cell : definition.getCells()) {
@@ -174,8 +201,8 @@ void checkNames(const DialogDefinition& definition)
     if (cell.widget->getCreatorId() == DialogWidgetCreator::EMPTY_WIDGET_ID)
       continue;
     if (names.contains(name))
-      throw Xml::ParseException(errorText("The name \"%1\" of the GUI element exists twice.").arg(name),
-                                cell.widget->getSourceLine());
+      sink(Xml::ParseException(errorText("The name \"%1\" of the GUI element exists twice.").arg(name),
+                               cell.widget->getSourceLine()));
     names.insert(name);
   }
 }
@@ -263,12 +290,42 @@ void DialogDefinition::addCell(DialogWidget* widget, int row, int column, int ro
   _cells.push_back({widget, row, column, rowSpan, columnSpan});
 }
 
-std::unique_ptr<DialogDefinition> DialogDefinition::read(const QString& text, DialogWidget::DialogMode::Type_t mode)
+namespace {
+
+// Nesting and size far beyond any dialog: refused before the DOM parser spends its time on them.
+constexpr int MAX_DEPTH = 256;
+constexpr qsizetype MAX_TEXT_LENGTH = 64 * 1024 * 1024;
+
+void checkShape(const QString& text)
+{
+  if (text.size() > MAX_TEXT_LENGTH)
+    throw Xml::ParseException(
+        errorText("Parse error: %1").arg(QStringLiteral("the definition is larger than %1 MB").arg(MAX_TEXT_LENGTH >> 20)),
+        1);
+  QXmlStreamReader reader(text);
+  int depth = 0;
+  while (!reader.atEnd()) {
+    const QXmlStreamReader::TokenType token = reader.readNext();
+    if (token == QXmlStreamReader::StartElement && ++depth > MAX_DEPTH)
+      throw Xml::ParseException(
+          errorText("Parse error: %1").arg(QStringLiteral("elements are nested deeper than %1 levels").arg(MAX_DEPTH)),
+          static_cast<int>(reader.lineNumber()));
+    if (token == QXmlStreamReader::EndElement)
+      --depth;
+  }
+  // Syntax errors are left to the DOM parser, whose messages the reader reports.
+}
+
+// The reading steps, each fault handed to `sink`; the definition holds what could be read.
+std::unique_ptr<DialogDefinition> readWith(const QString& text, DialogWidget::DialogMode::Type_t mode,
+                                           const FaultSink& sink)
 {
   if (!GTools::DialogWidgetSupplierInterface::getInstance())
     throw ProgError(QStringLiteral("DialogDefinition::read"), QStringLiteral(__FILE__),
                     QStringLiteral("Script dialog supplier interface not instantiated"));
 
+  auto definition = std::make_unique<DialogDefinition>();
+  checkShape(text);
   QDomDocument document;
   QString message;
   int line = -1;
@@ -279,14 +336,46 @@ std::unique_ptr<DialogDefinition> DialogDefinition::read(const QString& text, Di
   const QDomElement root = document.documentElement();
   Xml::checkTag(root, TAG_DIALOG);
 
-  auto definition = std::make_unique<DialogDefinition>();
-  readHeader(root, definition->header);
-  readGrid(root, *definition, mode);
-  if (!DialogRegistry::getRegistry()->getControlCreator(definition->header.control_id))
-    throw Xml::ParseException(Xml::getChild(root, TAG_CONTROL),
-                              errorText("Unknown dialog type: %1").arg(definition->header.control_id));
-  checkNames(*definition);
+  readHeader(root, definition->header, sink);
+  guarded(sink, [&] { readGrid(root, *definition, mode, sink); });
+  guarded(sink, [&] {
+    if (Xml::hasChild(root, TAG_CONTROL) &&
+        !DialogRegistry::getRegistry()->getControlCreator(definition->header.control_id))
+      throw Xml::ParseException(Xml::getChild(root, TAG_CONTROL),
+                                errorText("Unknown dialog type: %1").arg(definition->header.control_id));
+  });
+  checkNames(*definition, sink);
   return definition;
+}
+
+}  // namespace
+
+std::unique_ptr<DialogDefinition> DialogDefinition::read(const QString& text, DialogWidget::DialogMode::Type_t mode)
+{
+  return readWith(text, mode, [](const Xml::ParseException& fault) { throw fault; });
+}
+
+std::vector<DialogDefinition::Fault> DialogDefinition::check(const QString& text,
+                                                             std::unique_ptr<DialogDefinition>* definition)
+{
+  std::vector<Fault> faults;
+  const auto collect = [&faults](const Xml::ParseException& fault) {
+    faults.push_back({fault.getLine(), fault.getParseMessage()});
+  };
+  std::unique_ptr<DialogDefinition> result;
+  // Faults of the whole text (syntax, root) end the check; the rest are collected.
+  guarded(collect, [&] { result = readWith(text, DialogWidget::DialogMode::Editor, collect); });
+  if (result) {
+    for (const Cell& cell : result->getCells()) {
+      QString error;
+      if (!cell.widget->checkConfiguration(&error))
+        faults.push_back({cell.widget->getSourceLine(), error});
+    }
+  }
+  std::stable_sort(faults.begin(), faults.end(), [](const Fault& a, const Fault& b) { return a.line < b.line; });
+  if (definition)
+    *definition = std::move(result);
+  return faults;
 }
 
 QString DialogDefinition::write() const

@@ -90,6 +90,15 @@ public:
   // Reads a definition; the first fault throws Xml::ParseException and nothing read is kept.
   static std::unique_ptr<DialogDefinition> read(
       const QString& text, DialogWidget::DialogMode::Type_t mode = DialogWidget::DialogMode::RunTime);
+  struct Fault
+  {
+    int line;  // -1 when unknown
+    QString message;
+  };
+  // Reads a definition as the editor does and checks each element's configuration, going on
+  // past faults: every fault of the text in the order of its lines. `definition`, when given,
+  // receives what could be read (null when the text itself is not a definition).
+  static std::vector<Fault> check(const QString& text, std::unique_ptr<DialogDefinition>* definition = nullptr);
   // The definition as the current format writes it.
   QString write() const;
 

@@ -23,9 +23,12 @@
 #include "menu/msys_script/VelMSysXmlTools.h"
 #include "menu/msys_script/msys_config.h"
 #include "menu/msys_script/msys_dialog_property.h"
+#include "menu/msys_script/msys_dialog_widget_tools.h"
 #include "menu/msys_script/msys_error_codes.h"
 
 namespace Vel::MSysScript {
+
+using namespace WidgetTools;
 
 namespace {
 
@@ -60,34 +63,6 @@ const QString TAG_DAY = QStringLiteral("day");
 const QString WORD_HORIZONTAL = QStringLiteral("horizontal");
 const QString WORD_VERTICAL = QStringLiteral("vertical");
 
-QString editorError(const char* text)
-{
-  return translate("MSysScript_DialogEditor_err", text, "");
-}
-
-QString attributeText(const char* text)
-{
-  return translate("MSysScript_Dialog_other", text, "");
-}
-
-[[noreturn]] void throwTypeError()
-{
-  throw ScriptTypeException(errorText("The value has not the expected type."));
-}
-
-// Script values arrive as the interpreter converted them; anything but the attribute's own
-// kind is refused before the element changes.
-bool isInteger(const QVariant& value)
-{
-  switch (value.typeId()) {
-    case QMetaType::Int:
-    case QMetaType::UInt:
-    case QMetaType::LongLong:
-    case QMetaType::ULongLong: return true;
-    default: return false;
-  }
-}
-
 // A spin box or slider cannot hold NaN or infinity.
 double numberArg(const QVariant& value)
 {
@@ -112,20 +87,6 @@ int intArg(const QVariant& value)
   return static_cast<int>(value.toLongLong());
 }
 
-bool boolArg(const QVariant& value)
-{
-  if (value.typeId() != QMetaType::Bool && !isInteger(value))
-    throwTypeError();
-  return value.toBool();
-}
-
-QString textArg(const QVariant& value)
-{
-  if (value.typeId() != QMetaType::QString)
-    throwTypeError();
-  return value.toString();
-}
-
 QDate dateArg(const QVariant& value)
 {
   if (value.typeId() != QMetaType::QDate)
@@ -145,19 +106,9 @@ unsigned precisionOf(int digits)
   return static_cast<unsigned>(std::clamp(digits, 0, MAX_PRECISION));
 }
 
-QString boolText(bool value)
-{
-  return value ? QStringLiteral("True") : QStringLiteral("False");
-}
-
 QString numberText(double value)
 {
   return QStringLiteral("%1").arg(value);
-}
-
-QString nameText(const DialogWidget* widget)
-{
-  return escapePythonString(widget->getName());
 }
 
 // The limits count as equal within the rounding of a stored double; a lower limit of exactly
@@ -178,45 +129,6 @@ bool checkLimits(const DialogWidget* widget, double minimum, double maximum, con
   if (error)
     *error = editorError(message).arg(widget->getName());
   return false;
-}
-
-// A tag that is missing stands for its default, whatever the element held before.
-template <typename T>
-T valueOr(const QDomNode& node, const QString& tag, const T& fallback)
-{
-  return Xml::hasChild(node, tag) ? Xml::getValue<T>(node, tag) : fallback;
-}
-
-template <>
-double valueOr<double>(const QDomNode& node, const QString& tag, const double& fallback)
-{
-  if (!Xml::hasChild(node, tag))
-    return fallback;
-  const double value = Xml::getValue<double>(node, tag);
-  if (!std::isfinite(value))
-    throw Xml::ParseException(node, errorText("The value of tag '%1' is not a finite number.").arg(tag));
-  return value;
-}
-
-AttributeInfo row(const QString& name, const char* type, const char* description)
-{
-  return {name, QString::fromLatin1(type), attributeText(description), false};
-}
-
-// The base's rows, with the value row giving the type's own kind of value.
-std::vector<AttributeInfo> withValueType(std::vector<AttributeInfo> rows, const char* valueType)
-{
-  for (AttributeInfo& info : rows)
-    if (info.name == DialogWidget::TAG_VALUE)
-      info.type_name = QString::fromLatin1(valueType);
-  return rows;
-}
-
-QHBoxLayout* innerLayout(QWidget* widget)
-{
-  auto* layout = new QHBoxLayout(widget);
-  layout->setContentsMargins(0, 0, 0, 0);
-  return layout;
 }
 
 }  // namespace
@@ -943,16 +855,6 @@ void DateWidget::setDate(int year, int month, int day)
 // ---------------------------------------------------------------------------------------------
 
 namespace {
-
-QString panelText(const char* text)
-{
-  return translate("MSysScript_DialogEditor_widget", text, "");
-}
-
-QString otherText(const char* text)
-{
-  return translate("MSysScript_DialogEditor_other", text, "");
-}
 
 DoubleProperty* doubleProperty(const QString& key, const char* label)
 {

@@ -293,23 +293,15 @@ public:
 
 // ---------------------------------------------------------------------------------------------
 
-// One creator class serves every input type: they differ only in their id, names and classes.
 template <typename Widget, typename Configuration>
-class InputWidgetCreator : public DialogWidgetCreator
+class InputWidgetCreator : public ElementCreator<Widget, Configuration>
 {
 public:
   InputWidgetCreator(const char* displayName, const char* keyWord)
-      : DialogWidgetCreator(Widget::TYPE_ID, Category::Input), _display_name(displayName), _key_word(keyWord)
+      : ElementCreator<Widget, Configuration>(DialogWidgetCreator::Category::Input, "MSysScript_DialogElement_other",
+                                              displayName, keyWord)
   {
   }
-  QString getDisplayName() const override { return translate("MSysScript_DialogElement_other", _display_name, ""); }
-  QString getKeyWord() const override { return QString::fromLatin1(_key_word); }
-  DialogWidget* createWidget() const override { return new Widget; }
-  ElementConfiguration* createConfiguration(QWidget* parent) const override { return new Configuration(parent); }
-
-private:
-  const char* _display_name;
-  const char* _key_word;
 };
 
 using NumberWidgetCreator = InputWidgetCreator<NumberWidget, NumberConfiguration>;

@@ -413,7 +413,9 @@ void IconProperty::updateEditorValue(QWidget* editor, const QVariant& value)
 
 QVariant IconProperty::commitEditorValue(const QWidget* editor)
 {
-  return editorAs<const IconPropertyWidget>(editor, __func__)->getImage();
+  const auto* panel = editorAs<const IconPropertyWidget>(editor, __func__);
+  _file_name = panel->getFileName();
+  return panel->getImage();
 }
 
 FileProperty::FileProperty(const QString& key, const QString& name) : Property(key, name) {}

@@ -238,11 +238,16 @@ class IconProperty : public Property
 
 public:
   IconProperty(const QString& key, const QString& name);
+  // The file of the image last committed from the editor; empty when the image came otherwise.
+  const QString& getFileName() const { return _file_name; }
 
   Property* clone() const override;
   QWidget* createEditor(QWidget* parent) override;
   void updateEditorValue(QWidget* editor, const QVariant& value) override;
   QVariant commitEditorValue(const QWidget* editor) override;
+
+private:
+  QString _file_name;
 };
 
 // A file name, typed or chosen.

@@ -144,6 +144,7 @@ IconPropertyWidget::IconPropertyWidget(QWidget* parent) : QWidget(parent), _prev
 void IconPropertyWidget::setImage(const QImage& image)
 {
   _image = image;
+  _file_name.clear();
   updatePreview();
 }
 
@@ -163,12 +164,14 @@ void IconPropertyWidget::slotSelect()
     return;
   }
   setImage(image);
+  _file_name = files.first();
   Q_EMIT signalChanged();
 }
 
 void IconPropertyWidget::slotDelete()
 {
   setImage(QImage());
+  _file_name.clear();
   Q_EMIT signalChanged();
 }
 

@@ -60,6 +60,8 @@ public:
 
   void setImage(const QImage& image);
   const QImage& getImage() const { return _image; }
+  // The file the user picked the image from; empty when it came from elsewhere or was deleted.
+  const QString& getFileName() const { return _file_name; }
 
 Q_SIGNALS:
   void signalChanged();
@@ -72,6 +74,7 @@ private:
   void updatePreview();
 
   QImage _image;
+  QString _file_name;
   QLabel* _preview;
   QToolButton* _select;
   QToolButton* _delete;

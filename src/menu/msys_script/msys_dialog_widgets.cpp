@@ -15,6 +15,7 @@
 #include "gtools/vel_tool_tip_label.h"
 #include "menu/msys_script/VelMSysXmlTools.h"
 #include "menu/msys_script/msys_dialog_controls.h"
+#include "menu/msys_script/msys_dialog_button_widgets.h"
 #include "menu/msys_script/msys_dialog_input_widgets.h"
 #include "menu/msys_script/msys_dialog_property.h"
 #include "menu/msys_script/msys_error_codes.h"
@@ -375,6 +376,8 @@ void DialogRegistry::initialize()
   registry->addWidgetCreator(new CheckboxWidgetCreator("Checkbox", "checkbox"));
   registry->addWidgetCreator(new DateWidgetCreator("Date", "date"));
   registry->addWidgetCreator(new ColorWidgetCreator("Color", "input"));
+  registry->addWidgetCreator(new PushButtonWidgetCreator(DialogWidgetCreator::Category::Buttons, "Button"));
+  registry->addWidgetCreator(new AbortButtonWidgetCreator(DialogWidgetCreator::Category::Other, "Abort"));
 
   // Control rows, with the headings that structure the editor's list of them.
   registry->addControlCreator(new SeparatorControlCreator(editorText("--- No buttons ---")));

@@ -15,6 +15,7 @@
 #include <vector>
 
 #include "core/script_type.h"
+#include "core/translate.h"
 
 class Vel_ToolTipLabel;
 class QPushButton;
@@ -168,6 +169,26 @@ protected:
 private:
   QString _id;
   Category::Type_t _category;
+};
+
+// One creator class serves every element type: they differ only in their id, names and classes.
+template <typename Widget, typename Configuration>
+class ElementCreator : public DialogWidgetCreator
+{
+public:
+  ElementCreator(Category::Type_t category, const char* context, const char* displayName, const char* keyWord)
+      : DialogWidgetCreator(Widget::TYPE_ID, category), _context(context), _display_name(displayName), _key_word(keyWord)
+  {
+  }
+  QString getDisplayName() const override { return translate(_context, _display_name, ""); }
+  QString getKeyWord() const override { return QString::fromLatin1(_key_word); }
+  DialogWidget* createWidget() const override { return new Widget; }
+  ElementConfiguration* createConfiguration(QWidget* parent) const override { return new Configuration(parent); }
+
+private:
+  const char* _context;
+  const char* _display_name;
+  const char* _key_word;
 };
 
 class DialogControlCreator

@@ -2,9 +2,13 @@
 
 #include <QAction>
 #include <QCloseEvent>
+#include <QCryptographicHash>
+#include <QDateTime>
 #include <QDir>
 #include <QFile>
 #include <QFileInfo>
+#include <QJsonDocument>
+#include <QJsonObject>
 #include <QLabel>
 #include <QMessageBox>
 #include <QPlainTextEdit>
@@ -12,6 +16,8 @@
 #include <QSaveFile>
 #include <QSplitter>
 #include <QStatusBar>
+#include <QStringDecoder>
+#include <QStringEncoder>
 #include <QToolBar>
 
 #include "cfg/cfg.h"
@@ -28,6 +34,151 @@
 #include "menu/msys_script/msys_python_script_database.h"
 
 namespace Vel::MSysScript {
+namespace {
+
+const QByteArray UTF8_BOM("\xEF\xBB\xBF");
+
+// Python's own normalisation of the names it knows best, and the spellings of Latin-1 that
+// the converter would not find.
+QByteArray normalEncodingName(const QByteArray& name)
+{
+  const QByteArray e = name.left(12).toLower().replace('_', '-');
+  if (e == "utf-8" || e.startsWith("utf-8-") || e == "utf8")
+    return "utf-8";
+  if (e == "latin-1" || e == "iso-8859-1" || e == "iso-latin-1" || e.startsWith("latin-1-") ||
+      e.startsWith("iso-8859-1-") || e.startsWith("iso-latin-1-") || e == "latin1" || e == "l1" || e == "iso8859-1")
+    return "iso-8859-1";
+  return name;
+}
+
+QStringConverter::Flags converterFlags()
+{
+  // A byte-order mark is the format's business; a second one is text.
+  return QStringConverter::Flag::ConvertInitialBom;
+}
+
+QString encodingTitle(const QByteArray& encoding)
+{
+  return encoding == "utf-8" ? QStringLiteral("UTF-8") : QString::fromLatin1(encoding);
+}
+
+QString recoveryFolder()
+{
+  QString base = qEnvironmentVariable("XDG_DATA_HOME");
+  if (base.isEmpty())
+    base = QDir::homePath() + QStringLiteral("/.local/share");
+  return base + QStringLiteral("/zut/recovery");
+}
+
+}  // namespace
+
+QByteArray ScriptFileFormat::declaredEncoding(const QByteArray& head)
+{
+  static const QRegularExpression declaration(QStringLiteral("^[ \\t\\f]*#.*?coding[:=][ \\t]*([-\\w.]+)"));
+  static const QRegularExpression blank_or_comment(QStringLiteral("^[ \\t\\f]*(?:[#\\r\\n]|$)"));
+  const QList<QByteArray> lines = head.left(4096).split('\n');
+  for (int i = 0; i < qMin(2, int(lines.size())); ++i) {
+    const QString line = QString::fromLatin1(lines[i]);
+    const QRegularExpressionMatch match = declaration.match(line);
+    if (match.hasMatch())
+      return normalEncodingName(match.captured(1).toLatin1());
+    // The second line counts only below a blank or comment line.
+    if (!blank_or_comment.match(line).hasMatch())
+      break;
+  }
+  return QByteArray();
+}
+
+bool ScriptFileFormat::decode(const QByteArray& bytes, QString& text, ScriptFileFormat& format, QString& error)
+{
+  ScriptFileFormat found;
+  QByteArray body = bytes;
+  if (body.startsWith(UTF8_BOM)) {
+    found.bom = true;
+    body.remove(0, UTF8_BOM.size());
+  }
+  const QByteArray declared = declaredEncoding(body);
+  if (found.bom && !declared.isEmpty() && declared != "utf-8") {
+    error = QStringLiteral("it begins with a UTF-8 byte-order mark but declares the encoding '%1'")
+                .arg(QString::fromLatin1(declared));
+    return false;
+  }
+  if (!declared.isEmpty())
+    found.encoding = declared;
+  QStringDecoder decoder(found.encoding.constData(), converterFlags());
+  if (!decoder.isValid()) {
+    error = QStringLiteral("the encoding '%1' that it declares is not known").arg(QString::fromLatin1(declared));
+    return false;
+  }
+  QString decoded = decoder.decode(body);
+  // What does not decode comes back different when written again: that is where it fails.
+  QStringEncoder encoder(found.encoding.constData(), converterFlags());
+  const QByteArray again = encoder.encode(decoded);
+  if (decoder.hasError() || again != body) {
+    qsizetype at = 0;
+    while (at < body.size() && at < again.size() && body[at] == again[at])
+      ++at;
+    const int line = int(body.left(at).count('\n')) + 1;
+    error = declared.isEmpty()
+                ? QStringLiteral(
+                      "line %1 is not valid UTF-8, and the file declares no other encoding (a first line "
+                      "such as '# -*- coding: latin-1 -*-' names the encoding it is written in)")
+                      .arg(line)
+                : QStringLiteral("line %1 is not valid %2, the encoding the file declares")
+                      .arg(line)
+                      .arg(encodingTitle(found.encoding));
+    return false;
+  }
+  const int break_at = int(decoded.indexOf(QRegularExpression(QStringLiteral("[\r\n]"))));
+  if (break_at >= 0 && decoded[break_at] == QLatin1Char('\r'))
+    found.line_ending = break_at + 1 < decoded.size() && decoded[break_at + 1] == QLatin1Char('\n') ? "\r\n" : "\r";
+  decoded.replace(QStringLiteral("\r\n"), QStringLiteral("\n"));
+  decoded.replace(QLatin1Char('\r'), QLatin1Char('\n'));
+  text = decoded;
+  format = found;
+  return true;
+}
+
+bool ScriptFileFormat::encode(const QString& text, QByteArray& bytes, QString& error) const
+{
+  const QByteArray declared = declaredEncoding(text.left(4096).toUtf8());
+  if (bom && !declared.isEmpty() && declared != "utf-8") {
+    error = QStringLiteral("the file begins with a UTF-8 byte-order mark, so it cannot declare the encoding '%1'")
+                .arg(QString::fromLatin1(declared));
+    return false;
+  }
+  const QByteArray target = declared.isEmpty() ? QByteArray("utf-8") : declared;
+  QStringEncoder encoder(target.constData(), converterFlags());
+  if (!encoder.isValid()) {
+    error = QStringLiteral("the encoding '%1' that the text declares is not known").arg(QString::fromLatin1(target));
+    return false;
+  }
+  QString lines = text;
+  if (line_ending != "\n")
+    lines.replace(QLatin1Char('\n'), QString::fromLatin1(line_ending));
+  QByteArray encoded = encoder.encode(lines);
+  // What cannot be written comes back different: say where, rather than write a substitute.
+  QStringDecoder decoder(target.constData(), converterFlags());
+  const QString back = decoder.decode(encoded);
+  if (encoder.hasError() || back != lines) {
+    int at = 0;
+    while (at < lines.size() && at < back.size() && lines[at] == back[at])
+      ++at;
+    const int line = int(QStringView(lines).left(at).count(QLatin1Char('\n'))) + 1;
+    const char32_t code = at < lines.size() ? lines[at].unicode() : 0;
+    error = QStringLiteral(
+                "line %1: the character U+%2 cannot be written in %3 (the coding declaration names the "
+                "file's encoding)")
+                .arg(line)
+                .arg(uint(code), 4, 16, QLatin1Char('0'))
+                .arg(encodingTitle(target));
+    return false;
+  }
+  bytes = bom ? UTF8_BOM + encoded : encoded;
+  return true;
+}
+
+// ---------------------------------------------------------------------------------------------
 
 ScriptEditorDialog::ScriptEditorDialog(QWidget* parent)
     : QMainWindow(parent),
@@ -99,22 +250,38 @@ void ScriptEditorDialog::storeGeometry()
     root->setValue(QString::fromLatin1(CFG_SOURCE_EDITOR_SPLITTER), double(sizes[0]) / (sizes[0] + sizes[1]));
 }
 
-bool ScriptEditorDialog::openFile(const QString& path, ErrorLog& log)
+bool ScriptEditorDialog::load(const QByteArray& bytes, const QString& name, ErrorLog& log)
 {
   QString text;
+  ScriptFileFormat format;
+  QString error;
+  if (!ScriptFileFormat::decode(bytes, text, format, error)) {
+    log.addLine(QStringLiteral("%1: %2. It was not opened, so that nothing in it is changed.").arg(name, error));
+    return false;
+  }
+  _format = format;
+  _editor->setPlainText(text);
+  _editor->document()->setModified(false);
+  return true;
+}
+
+bool ScriptEditorDialog::openFile(const QString& path, ErrorLog& log)
+{
+  QByteArray bytes;
   QFile file(path);
   if (file.exists()) {
     if (!file.open(QIODevice::ReadOnly)) {
       log.addLine(QStringLiteral("%1: %2").arg(QDir::toNativeSeparators(path), file.errorString()));
       return false;
     }
-    text = QString::fromUtf8(file.readAll());
+    bytes = file.readAll();
   }
+  if (!load(bytes, QDir::toNativeSeparators(path), log))
+    return false;
   _lock.reset();
   _database_file.clear();
   _file = path;
-  _editor->setPlainText(text);
-  _editor->document()->setModified(false);
+  offerRecovery();
   updateTitle();
   return true;
 }
@@ -124,15 +291,14 @@ bool ScriptEditorDialog::openDatabaseScript(const QString& file_name, ErrorLog& 
   auto lock = std::make_unique<DatabaseLock>();
   if (!*lock)
     return false;
-  std::unique_ptr<GScript::Script> loaded((*lock)->createLoadedScript(file_name, log));
-  if (!loaded)
+  QByteArray bytes;
+  if (!(*lock)->readScriptBytes(file_name, bytes, nullptr, log) || !load(bytes, file_name, log))
     return false;
   (*lock)->setCurrentScript(file_name);
   _lock = std::move(lock);
   _file.clear();
   _database_file = file_name;
-  _editor->setPlainText(loaded->getCode());
-  _editor->document()->setModified(false);
+  offerRecovery();
   updateTitle();
   return true;
 }
@@ -142,9 +308,23 @@ bool ScriptEditorDialog::isModified() const
   return _editor->document()->isModified();
 }
 
+QString ScriptEditorDialog::text() const
+{
+  // Not toPlainText(): that turns non-breaking spaces into spaces.
+  QString text = _editor->document()->toRawText();
+  text.replace(QChar::ParagraphSeparator, QLatin1Char('\n'));
+  return text;
+}
+
 bool ScriptEditorDialog::save(ErrorLog& log)
 {
-  const QByteArray bytes = _editor->toPlainText().toUtf8();
+  QByteArray bytes;
+  QString error;
+  if (!_format.encode(text(), bytes, error)) {
+    log.addLine(
+        QStringLiteral("%1: %2.").arg(!_file.isEmpty() ? QDir::toNativeSeparators(_file) : _database_file, error));
+    return false;
+  }
   if (!_database_file.isEmpty()) {
     const GScript::Script* script = (*_lock)->getScript(_database_file);
     const int level = script ? script->getConfigLevel() : int(GScript::LEVEL_USER);
@@ -162,9 +342,74 @@ bool ScriptEditorDialog::save(ErrorLog& log)
       return false;
     }
   }
+  QFile::remove(recoveryFile());
   _editor->document()->setModified(false);
   _status->setText(QStringLiteral("Saved."));
   return true;
+}
+
+QString ScriptEditorDialog::recoveryFile() const
+{
+  const QString key = !_file.isEmpty()            ? QFileInfo(_file).absoluteFilePath()
+                      : !_database_file.isEmpty() ? QStringLiteral("database:") + _database_file
+                                                  : QString();
+  if (key.isEmpty())
+    return QString();
+  const QByteArray hash = QCryptographicHash::hash(key.toUtf8(), QCryptographicHash::Sha1).toHex();
+  return recoveryFolder() + QLatin1Char('/') + QString::fromLatin1(hash) + QStringLiteral(".json");
+}
+
+bool ScriptEditorDialog::writeRecovery(ErrorLog& log)
+{
+  const QString path = recoveryFile();
+  if (!isModified() || path.isEmpty())
+    return true;
+  const QJsonObject recovery{{QStringLiteral("file"), !_file.isEmpty() ? _file : _database_file},
+                             {QStringLiteral("written"), QDateTime::currentDateTime().toString(Qt::ISODate)},
+                             {QStringLiteral("text"), text()}};
+  const QByteArray bytes = QJsonDocument(recovery).toJson();
+  QDir().mkpath(QFileInfo(path).absolutePath());
+  QSaveFile file(path);
+  if (!file.open(QIODevice::WriteOnly) || file.write(bytes) != bytes.size() || !file.commit()) {
+    log.addLine(QStringLiteral("%1: %2").arg(QDir::toNativeSeparators(path), file.errorString()));
+    return false;
+  }
+  return true;
+}
+
+void ScriptEditorDialog::offerRecovery()
+{
+  const QString path = recoveryFile();
+  QFile file(path);
+  if (path.isEmpty() || !file.open(QIODevice::ReadOnly))
+    return;
+  const QJsonObject recovery = QJsonDocument::fromJson(file.readAll()).object();
+  file.close();
+  const QJsonValue kept = recovery.value(QStringLiteral("text"));
+  if (!kept.isString())
+    return;  // not ours to judge: it stays where it is
+  if (kept.toString() == text()) {
+    QFile::remove(path);
+    return;
+  }
+  const QString name = !_file.isEmpty() ? QDir::toNativeSeparators(_file) : _database_file;
+  // Nobody to ask: the changes come back unsaved, the file stays as it is.
+  const bool restore = GTools::askYesNo(
+      windowTitle(),
+      QStringLiteral("Changes to %1 were not saved when the application ended (%2).\n"
+                     "Restore them? No sets them aside in %3.discarded.")
+          .arg(name, recovery.value(QStringLiteral("written")).toString(), QDir::toNativeSeparators(path)),
+      true);
+  if (restore) {
+    _editor->setPlainText(kept.toString());
+    _editor->document()->setModified(true);
+    _status->setText(QStringLiteral("Unsaved changes restored: save them to keep them."));
+    QFile::remove(path);
+  } else {
+    // "No" may also be a question cut short by the end of the program: set aside, never deleted.
+    QFile::remove(path + QStringLiteral(".discarded"));
+    QFile::rename(path, path + QStringLiteral(".discarded"));
+  }
 }
 
 void ScriptEditorDialog::saveWithReport()
@@ -183,7 +428,7 @@ bool ScriptEditorDialog::run()
   const QString name = !_file.isEmpty()            ? _file
                        : !_database_file.isEmpty() ? _database_file
                                                    : QStringLiteral("<editor>");
-  GScript::Execute execute(_editor->toPlainText());
+  GScript::Execute execute(text());
   execute.setFileName(name);
   execute.setCollectStdout(true);
   execute.setCollectStderr(true);

@@ -20,6 +20,25 @@ class DatabaseLock;
 class PythonParser;
 class PythonHighlighter;
 
+// How a script file is laid out in bytes, so that saving gives back what was read: its encoding
+// (decided as Python decides it: a UTF-8 byte-order mark, else a coding declaration in the first
+// two lines, else UTF-8), its line endings and its byte-order mark.
+struct ScriptFileFormat
+{
+  QByteArray encoding = "utf-8";  // as Python normalises the name
+  QByteArray line_ending = "\n";
+  bool bom = false;
+
+  // The text of `bytes` with line feeds only. False (the reason, with the line, in `error`) when
+  // the bytes are not valid in their encoding: nothing is replaced silently.
+  static bool decode(const QByteArray& bytes, QString& text, ScriptFileFormat& format, QString& error);
+  // The bytes of `text` in this format; the encoding is the one the text itself declares (else
+  // UTF-8), as Python will read it. False with the reason when a character cannot be written.
+  bool encode(const QString& text, QByteArray& bytes, QString& error) const;
+  // The encoding a coding declaration in the first two lines names, normalised; empty if none.
+  static QByteArray declaredEncoding(const QByteArray& head);
+};
+
 // The script editor: the source text with colours, folds and line numbers above, the output of
 // the last run below. It edits a file, or the database's current script (holding the database
 // while it is open).
@@ -38,8 +57,16 @@ public:
   bool openDatabaseScript(const QString& file_name, ErrorLog& log);
 
   bool isModified() const;
-  // Writes the text to its file or database script; false (reason in `log`) on failure.
+  // Writes the text to its file or database script, in the format it was read in; false
+  // (reason in `log`) on failure.
   bool save(ErrorLog& log);
+  // Keeps unsaved changes in a recovery file instead of the edited file (the application ends
+  // without asking); opening the file again offers them. False (reason in `log`) on failure.
+  bool writeRecovery(ErrorLog& log);
+  // The recovery file of the file or database script being edited.
+  QString recoveryFile() const;
+  // The text exactly as it is saved (before encoding).
+  QString text() const;
   // Runs the text; the output pane shows what it printed and, on failure, the error, with the
   // failing line marked in the text.
   bool run();
@@ -53,6 +80,8 @@ protected:
   void closeEvent(QCloseEvent* event) override;
 
 private:
+  bool load(const QByteArray& bytes, const QString& name, ErrorLog& log);
+  void offerRecovery();
   void updateTitle();
   void saveWithReport();
   void applyConfiguration();
@@ -66,6 +95,7 @@ private:
   QLabel* _status;
   QString _file;           // a file on disk, or
   QString _database_file;  // the database file name of the script
+  ScriptFileFormat _format;
   std::unique_ptr<DatabaseLock> _lock;
   bool _busy = false;
 };

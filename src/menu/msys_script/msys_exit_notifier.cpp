@@ -1,7 +1,5 @@
 #include "menu/msys_script/msys_exit_notifier.h"
 
-#include <memory>
-
 #include "core/translate.h"
 #include "gapp/command_container.h"
 #include "gapp/main_window.h"
@@ -10,7 +8,6 @@
 #include "gtools/error_dialog.h"
 #include "menu/msys_script/msys_cmd_editor.h"
 #include "menu/msys_script/msys_error_codes.h"
-#include "menu/msys_script/msys_python_script_database.h"
 
 namespace Vel::MSysScript {
 
@@ -53,15 +50,12 @@ void ExitNotifier::prepareExit()
   if (!editor || !editor->hasDialog())
     return;
   ScriptEditorDialog* dialog = editor->getDialog();
-  {
-    std::unique_ptr<DatabaseLock> lock;
-    if (PythonScriptDatabase::isAvailable())
-      lock = std::make_unique<DatabaseLock>();
-    ErrorLog log;
-    if (dialog->isModified() && !dialog->save(log))
-      GTools::ErrorDialog(QString::fromLatin1(ERR_SAVE_SCRIPT), log.getText());
-  }
-  // A failed save was reported; the changes must not be asked about again on closing.
+  // Nobody was asked whether to save: the edited file stays as it is, and the changes wait in a
+  // recovery file that opening the file again offers.
+  ErrorLog log;
+  if (!dialog->writeRecovery(log))
+    GTools::ErrorDialog(QString::fromLatin1(ERR_SAVE_SCRIPT), log.getText());
+  // A failed write was reported; the changes must not be asked about again on closing.
   dialog->getEditor()->document()->setModified(false);
   dialog->close();
   editor->destroyDialog();

@@ -5,7 +5,7 @@
 namespace Vel::MSysScript {
 
 // The module's say in the application's exit: confirmation in kiosk mode, and the script
-// editor's last save.
+// editor's unsaved changes, kept in a recovery file.
 class ExitNotifier : public GApp::ExitNotifier
 {
 public:

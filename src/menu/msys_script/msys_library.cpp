@@ -1,6 +1,10 @@
 #include "menu/msys_script/msys_library.h"
 
 #include <QCoreApplication>
+#include <QDate>
+#include <QJsonArray>
+#include <QJsonDocument>
+#include <QJsonObject>
 #include <QObject>
 #include <QPointer>
 
@@ -9,6 +13,7 @@
 #include "core/translate.h"
 #include "gapp/app_status_manager.h"
 #include "gscript/script_database.h"
+#include "menu/msys_script/msys_cmd_base.h"
 #include "menu/msys_script/msys_cmd_delay.h"
 #include "menu/msys_script/msys_cmd_dialog.h"
 #include "menu/msys_script/msys_cmd_editor.h"
@@ -17,9 +22,11 @@
 #include "menu/msys_script/msys_cmd_export_script.h"
 #include "menu/msys_script/msys_cmd_test_timeout.h"
 #include "menu/msys_script/msys_config.h"
+#include "menu/msys_script/msys_dialog_answers.h"
 #include "menu/msys_script/msys_dialog_definition.h"
 #include "menu/msys_script/msys_dialog_widgets.h"
 #include "menu/msys_script/msys_dlg_break.h"
+#include "menu/msys_script/msys_dlg_user_defined.h"
 #include "menu/msys_script/msys_error_codes.h"
 #include "menu/msys_script/msys_exit_notifier.h"
 #include "menu/msys_script/msys_python_dump.h"
@@ -159,20 +166,119 @@ char* CheckDialogDefinition(const char* text, int normalize, int* faulty)
   char* result = nullptr;
   guarded("CheckDialogDefinition", [&] {
     QString output;
+    std::unique_ptr<DialogDefinition> definition;
+    const auto faults = DialogDefinition::check(QString::fromUtf8(text), &definition);
+    for (const DialogDefinition::Fault& fault : faults)
+      output += QStringLiteral("%1\t%2\n").arg(fault.line).arg(fault.message);
+    *faulty = faults.empty() ? 0 : 1;
+    if (!*faulty && normalize)
+      output = definition->write();
+    result = qstrdup(output.toUtf8().constData());
+  });
+  return result;
+}
+
+char* PrepareDialogAnswers(const char* answers, const char* record)
+{
+  char* result = nullptr;
+  guarded("PrepareDialogAnswers", [&] {
+    QString fault;
+    try {
+      if (answers && *answers)
+        DialogAnswers::load(QString::fromLocal8Bit(answers));
+      if (record && *record)
+        DialogAnswers::record(QString::fromLocal8Bit(record));
+    } catch (const GApp::CommandError& error) {
+      fault = error.getText();
+    }
+    result = qstrdup(fault.toUtf8().constData());
+  });
+  return result;
+}
+
+char* UnusedDialogAnswers()
+{
+  char* result = nullptr;
+  guarded("UnusedDialogAnswers", [&] {
+    QString lines;
+    for (const QString& line : DialogAnswers::getUnused())
+      lines += line + QLatin1Char('\n');
+    result = qstrdup(lines.toUtf8().constData());
+  });
+  return result;
+}
+
+namespace {
+
+// A value as answers and dumps write it: dates and colours as text.
+QJsonValue plainValue(const QVariant& value)
+{
+  if (value.typeId() == QMetaType::QDate)
+    return value.toDate().toString(Qt::ISODate);
+  if (value.typeId() == qMetaTypeId<Color>())
+    return value.value<Color>().toString();
+  return QJsonValue::fromVariant(value);
+}
+
+QString dumpText(const QJsonArray& elements)
+{
+  QString text;
+  for (const QJsonValue& entry : elements) {
+    const QJsonObject element = entry.toObject();
+    const QJsonValue value = element.value(QStringLiteral("value"));
+    text += QStringLiteral("%1,%2 %3x%4 %5 %6 = %7%8\n")
+                .arg(element.value(QStringLiteral("row")).toInt())
+                .arg(element.value(QStringLiteral("column")).toInt())
+                .arg(element.value(QStringLiteral("row_span")).toInt())
+                .arg(element.value(QStringLiteral("column_span")).toInt())
+                .arg(element.value(QStringLiteral("type")).toString(), element.value(QStringLiteral("name")).toString(),
+                     value.isString() ? QStringLiteral("'%1'").arg(value.toString())
+                                      : QString::fromUtf8(QJsonDocument(QJsonArray{value}).toJson(QJsonDocument::Compact))
+                                            .mid(1)
+                                            .chopped(1),
+                     element.value(QStringLiteral("enabled")).toBool() ? QString() : QStringLiteral(" (disabled)"));
+  }
+  return text;
+}
+
+}  // namespace
+
+char* DescribeDialog(const char* text, const char* screenshot, int json, int* faulty)
+{
+  char* result = nullptr;
+  guarded("DescribeDialog", [&] {
+    QString output;
     *faulty = 0;
     try {
-      const auto definition = DialogDefinition::read(QString::fromUtf8(text), DialogWidget::DialogMode::Editor);
-      for (const DialogDefinition::Cell& cell : definition->getCells()) {
-        QString error;
-        if (!cell.widget->checkConfiguration(&error))
-          output += QStringLiteral("%1\t%2\n").arg(cell.widget->getSourceLine()).arg(error);
+      UserDefinedDialog dialog(QString::fromUtf8(text));
+      dialog.show();
+      // As it first appears: laid out, placed and polished.
+      for (int round = 0; round < 3; ++round)
+        QCoreApplication::processEvents();
+      if (screenshot && *screenshot && !dialog.grab().save(QString::fromLocal8Bit(screenshot)))
+        failCommand(ERR_SAVE_FILE, errorText("Cannot open file for writing: %1").arg(QString::fromLocal8Bit(screenshot)));
+      QJsonArray elements;
+      for (const DialogDefinition::Cell& cell : dialog.getCells()) {
+        if (cell.widget->getCreatorId() == DialogWidgetCreator::EMPTY_WIDGET_ID)
+          continue;
+        elements.append(QJsonObject{{QStringLiteral("row"), cell.row},
+                                    {QStringLiteral("column"), cell.column},
+                                    {QStringLiteral("row_span"), cell.row_span},
+                                    {QStringLiteral("column_span"), cell.column_span},
+                                    {QStringLiteral("type"), cell.widget->getCreatorId()},
+                                    {QStringLiteral("name"), cell.widget->getName()},
+                                    {QStringLiteral("value"), plainValue(cell.widget->getValue())},
+                                    {QStringLiteral("enabled"), cell.widget->isEnabled()}});
       }
-      *faulty = output.isEmpty() ? 0 : 1;
-      if (!*faulty && normalize)
-        output = definition->write();
+      dialog.closeWithResult(std::nullopt);
+      output = json ? QString::fromUtf8(QJsonDocument(elements).toJson()) : dumpText(elements);
     } catch (const Xml::ParseException& error) {
       *faulty = 1;
-      output = QStringLiteral("%1\t%2\n").arg(error.getLine()).arg(error.getParseMessage());
+      output = error.getLine() < 0 ? error.getParseMessage()
+                                   : QStringLiteral("%1: %2").arg(error.getLine()).arg(error.getParseMessage());
+    } catch (const GApp::CommandError& error) {
+      *faulty = 1;
+      output = error.getText();
     }
     result = qstrdup(output.toUtf8().constData());
   });

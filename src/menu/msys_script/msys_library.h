@@ -33,5 +33,16 @@ VEL_EXPORT void FreeAnalysis(char* analysis);
 // without a fault and with `normalize`, the definition as it is written now (otherwise empty).
 // Released with FreeAnalysis; null after a program error.
 VEL_EXPORT char* CheckDialogDefinition(const char* text, int normalize, int* faulty);
+// For the program: a file of answers for the dialogs that wait where no person is, and a file
+// to record a person's answers in (either empty for none). Returns empty text, or the fault
+// ("CODE: message" and the log). Released with FreeAnalysis.
+VEL_EXPORT char* PrepareDialogAnswers(const char* answers, const char* record);
+// The answers that no dialog has taken, one a line. Released with FreeAnalysis.
+VEL_EXPORT char* UnusedDialogAnswers();
+// For the program's tools: builds the dialog of a definition as it first appears and lists
+// its elements (row, column, spans, type, name, value, enabled) as text or JSON; with
+// `screenshot`, writes a picture of it there. Sets `faulty` and returns the fault's text
+// instead. Released with FreeAnalysis; null after a program error.
+VEL_EXPORT char* DescribeDialog(const char* text, const char* screenshot, int json, int* faulty);
 }
 }  // namespace Vel::MSysScript

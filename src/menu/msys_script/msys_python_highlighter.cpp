@@ -123,8 +123,7 @@ void PythonHighlighter::updateDatabase(const GScript::ScriptDatabase* database)
   }
   if (database)
     for (const GScript::Script* item : database->getAllScripts())
-      _database_scripts.insert(QStringLiteral("%1.%2").arg(
-          script, GScript::ScriptDatabase::makeScriptCommandName(item->getQualifiedName())));
+      _database_scripts.insert(QStringLiteral("%1.%2").arg(script, item->getCommandName()));
   Q_EMIT signalUpdate(0);
 }
 

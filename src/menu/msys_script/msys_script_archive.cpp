@@ -7,6 +7,8 @@
 
 #include <set>
 
+#include "menu/msys_script/msys_cmd_export_script.h"
+
 namespace Vel::MSysScript {
 namespace {
 
@@ -82,8 +84,15 @@ bool ScriptArchive::read(const QByteArray& bytes, std::vector<ArchivedScript>& s
     script.metadata.show_in_menu = entry.value(QStringLiteral("show_in_menu")).toBool(true);
     script.metadata.icon = entry.value(QStringLiteral("icon_name")).toString();
     const bool has_icon = entry.contains(QStringLiteral("icon"));
-    if (!GScript::ScriptDatabase::isValidFileName(script.file_name) || !seen.insert(script.file_name).second ||
-        !decode(entry.value(QStringLiteral("code")), script.code) ||
+    // Names are checked before anything is written: one that the file system would cut short
+    // (a NUL) or the database would never list (a leading dot) refuses the whole archive.
+    QString reason;
+    if (!isStorableScriptName(script.file_name, reason) ||
+        (!script.metadata.icon.isEmpty() && !isStorableIconName(script.metadata.icon, reason))) {
+      log.addLine(QStringLiteral("The script archive cannot be imported: entry %1: %2").arg(i + 1).arg(reason));
+      return false;
+    }
+    if (!seen.insert(script.file_name).second || !decode(entry.value(QStringLiteral("code")), script.code) ||
         entry.value(QStringLiteral("code_sha256")).toString() != sha256(script.code) ||
         (has_icon && (!decode(entry.value(QStringLiteral("icon")), script.icon) ||
                       entry.value(QStringLiteral("icon_sha256")).toString() != sha256(script.icon)))) {

@@ -6,6 +6,7 @@
 #include <QFileInfo>
 #include <QJsonArray>
 #include <QJsonDocument>
+#include <QLockFile>
 #include <QSaveFile>
 #include <QStandardPaths>
 
@@ -328,6 +329,7 @@ void Cfg::declare(CfgItem item)
     } else {
       _problems << QStringLiteral("%1: stored value rejected (%2); the default is used").arg(item.key, error);
       _backup_before_save = true;
+      _rejected.insert(item.key);
     }
     _stored.remove(item.key);
   }
@@ -465,7 +467,7 @@ bool Cfg::setValue(const QString& key, const QVariant& value, QString* error)
   else if (validate(*found->second, value, accepted, message)) {
     if (found->second->value != accepted) {
       found->second->value = accepted;
-      _modified = true;
+      _changed.insert(key);
     }
     return true;
   }
@@ -586,40 +588,50 @@ QVariant Cfg::fromJson(const QJsonValue& value)
   return value.toVariant();
 }
 
-bool Cfg::load()
+Cfg::FileState Cfg::readFile(QJsonObject& object, QString& error)
 {
   QFile file(_file_name);
   if (!file.exists())
-    return true;
+    return FileState::Missing;
   if (!file.open(QIODevice::ReadOnly)) {
-    _problems << QStringLiteral("%1: %2; the defaults are used")
-                     .arg(QDir::toNativeSeparators(_file_name), file.errorString());
-    return false;
+    error = QStringLiteral("%1: %2").arg(QDir::toNativeSeparators(_file_name), file.errorString());
+    return FileState::Unreadable;
   }
   QJsonParseError parse_error;
   const QJsonDocument doc = QJsonDocument::fromJson(file.readAll(), &parse_error);
   file.close();
-  if (parse_error.error != QJsonParseError::NoError || !doc.isObject()) {
-    const QString reason =
-        parse_error.error != QJsonParseError::NoError
-            ? QStringLiteral("%1 at offset %2").arg(parse_error.errorString()).arg(parse_error.offset)
-            : QStringLiteral("not a JSON object");
-    QString backup = _file_name + QStringLiteral(".damaged");
-    if (QFile::exists(backup))
-      backup += QDateTime::currentDateTime().toString(QStringLiteral("-yyyyMMdd-hhmmss-zzz"));
-    if (QFile::rename(_file_name, backup))
-      _problems << QStringLiteral("%1 is damaged (%2); it was kept as %3 and the defaults are used")
-                       .arg(QDir::toNativeSeparators(_file_name), reason, QDir::toNativeSeparators(backup));
-    else {
-      // It could not be moved aside: never write over it.
-      _problems << QStringLiteral("%1 is damaged (%2) and could not be kept aside; it will not be written")
-                       .arg(QDir::toNativeSeparators(_file_name), reason);
-      _backup_before_save = true;
-    }
-    return false;
+  if (parse_error.error == QJsonParseError::NoError && doc.isObject()) {
+    object = doc.object();
+    return FileState::Read;
   }
+  const QString reason = parse_error.error != QJsonParseError::NoError
+                             ? QStringLiteral("%1 at offset %2").arg(parse_error.errorString()).arg(parse_error.offset)
+                             : QStringLiteral("not a JSON object");
+  QString backup = _file_name + QStringLiteral(".damaged");
+  if (QFile::exists(backup))
+    backup += QDateTime::currentDateTime().toString(QStringLiteral("-yyyyMMdd-hhmmss-zzz"));
+  if (QFile::rename(_file_name, backup))
+    _problems << QStringLiteral("%1 is damaged (%2); it was kept as %3 and the defaults are used")
+                     .arg(QDir::toNativeSeparators(_file_name), reason, QDir::toNativeSeparators(backup));
+  else {
+    // It could not be moved aside: never write over it without a copy.
+    _problems << QStringLiteral("%1 is damaged (%2) and could not be kept aside; it will not be written")
+                     .arg(QDir::toNativeSeparators(_file_name), reason);
+    _backup_before_save = true;
+  }
+  return FileState::Damaged;
+}
 
-  const QJsonObject object = doc.object();
+bool Cfg::load()
+{
+  QJsonObject object;
+  QString error;
+  switch (readFile(object, error)) {
+    case FileState::Missing: return true;
+    case FileState::Unreadable: _problems << error + QStringLiteral("; the defaults are used"); return false;
+    case FileState::Damaged: return false;
+    case FileState::Read: break;
+  }
   for (auto it = object.begin(); it != object.end(); ++it) {
     const auto found = _by_key.find(it.key());
     if (found == _by_key.end()) {
@@ -627,44 +639,88 @@ bool Cfg::load()
       continue;
     }
     QVariant accepted;
-    QString error;
-    if (validate(*found->second, fromJson(it.value()), accepted, error)) {
+    QString rejected;
+    if (validate(*found->second, fromJson(it.value()), accepted, rejected)) {
       found->second->value = accepted;
     } else {
-      _problems << QStringLiteral("%1: stored value rejected (%2); the default is used").arg(it.key(), error);
+      _problems << QStringLiteral("%1: stored value rejected (%2); the default is used").arg(it.key(), rejected);
       _backup_before_save = true;
+      _rejected.insert(it.key());
     }
   }
-  _modified = false;
+  _changed.clear();
   return true;
 }
 
 bool Cfg::save(QString* error)
 {
+  const auto fail = [error](const QString& message) {
+    if (error)
+      *error = message;
+    return false;
+  };
   QDir().mkpath(QFileInfo(_file_name).absolutePath());
+  // Other processes (a second zut, the application) write the same file: read, merge and
+  // write as one step.
+  QLockFile lock(_file_name + QStringLiteral(".lock"));
+  if (!lock.tryLock(10000)) {
+    qint64 pid = 0;
+    QString host, application;
+    lock.getLockInfo(&pid, &host, &application);
+    return fail(QStringLiteral("%1 is locked by process %2 (%3); it was not written")
+                    .arg(QDir::toNativeSeparators(_file_name))
+                    .arg(pid)
+                    .arg(application));
+  }
+
+  QJsonObject on_disk;
+  QString read_error;
+  const FileState state = readFile(on_disk, read_error);
+  if (state == FileState::Unreadable)
+    return fail(read_error + QStringLiteral("; it was not written"));
   if (_backup_before_save && QFile::exists(_file_name)) {
     // Rejected values live on only in the file: keep a copy before writing over it.
     const QString backup = _file_name + QStringLiteral(".bak");
     QFile::remove(backup);
-    if (!QFile::copy(_file_name, backup)) {
-      if (error)
-        *error = QStringLiteral("%1 could not be kept as %2; it was not written").arg(_file_name, backup);
-      return false;
-    }
+    if (!QFile::copy(_file_name, backup))
+      return fail(QStringLiteral("%1 could not be kept as %2; it was not written").arg(_file_name, backup));
   }
-  QJsonObject object = _stored;
-  for (const auto& item : _items)
-    if (item->type != CfgType::Node)
-      object.insert(item->key, toJson(*item, item->value));
+
+  QJsonObject object;
+  if (state == FileState::Read) {
+    object = on_disk;
+    for (const QString& key : _rejected)
+      _changed.insert(key);
+    for (const QString& key : _changed)
+      if (const CfgItem* changed = item(key))
+        object.insert(key, toJson(*changed, changed->value));
+  } else {
+    // Nothing (intact) to merge with: everything this process knows is written.
+    object = _stored;
+    for (const auto& declared : _items)
+      if (declared->type != CfgType::Node)
+        object.insert(declared->key, toJson(*declared, declared->value));
+  }
 
   QSaveFile file(_file_name);
-  if (!file.open(QIODevice::WriteOnly) || file.write(QJsonDocument(object).toJson()) < 0 || !file.commit()) {
-    if (error)
-      *error = QStringLiteral("%1: %2").arg(QDir::toNativeSeparators(_file_name), file.errorString());
-    return false;
+  if (!file.open(QIODevice::WriteOnly) || file.write(QJsonDocument(object).toJson()) < 0 || !file.commit())
+    return fail(QStringLiteral("%1: %2").arg(QDir::toNativeSeparators(_file_name), file.errorString()));
+
+  // What others changed meanwhile is now this process's value too.
+  for (auto it = object.begin(); it != object.end(); ++it) {
+    const auto found = _by_key.find(it.key());
+    if (found == _by_key.end()) {
+      _stored.insert(it.key(), it.value());
+      continue;
+    }
+    QVariant accepted;
+    QString ignored;
+    if (!_changed.count(it.key()) && validate(*found->second, fromJson(it.value()), accepted, ignored))
+      found->second->value = accepted;
   }
   _backup_before_save = false;
-  _modified = false;
+  _changed.clear();
+  _rejected.clear();
   return true;
 }
 

@@ -9,6 +9,7 @@
 
 #include <map>
 #include <memory>
+#include <set>
 #include <vector>
 
 #include "core/unit.h"
@@ -123,9 +124,12 @@ public:
   // Reads the file. A missing file is no problem. A damaged file is renamed aside (its new name
   // is in the problem text), reported, and the defaults stay; the state before the call is kept.
   bool load();
-  // Writes every declared value and every kept undeclared value atomically.
+  // Writes the values set since the last load or save, merged with what the file holds now, so
+  // that another process's changes meanwhile are kept (the file is locked while it is merged and
+  // written atomically). Items not set here take the file's current values afterwards. Without a
+  // file, every value is written.
   bool save(QString* error = nullptr);
-  bool isModified() const { return _modified; }
+  bool isModified() const { return !_changed.empty(); }
 
   // Problems met since the last call (damaged file, rejected values), each reported once.
   QStringList takeProblems();
@@ -151,6 +155,14 @@ private:
   bool validate(const CfgItem& item, const QVariant& value, QVariant& out, QString& error) const;
   static QJsonValue toJson(const CfgItem& item, const QVariant& value);
   static QVariant fromJson(const QJsonValue& value);
+  enum class FileState
+  {
+    Missing,
+    Read,
+    Damaged,    // kept aside (or refused) and reported
+    Unreadable  // `error` says why
+  };
+  FileState readFile(QJsonObject& object, QString& error);
 
   QString _file_name;
   CfgNode _root;
@@ -160,7 +172,8 @@ private:
   QJsonObject _stored;  // file values not yet claimed by a declaration
   QStringList _problems;
   QList<QPair<QString, QString>> _pages;
-  bool _modified = false;
+  std::set<QString> _changed;   // set since the last load or save: what save() writes
+  std::set<QString> _rejected;  // file values refused on reading: save() writes their defaults
   bool _backup_before_save = false;
 };
 

@@ -1,5 +1,8 @@
 #include "gapp/command.h"
 
+#include <algorithm>
+#include <iterator>
+
 #include "core/color.h"
 #include "core/error_message_container.h"
 #include "gapp/command_container.h"
@@ -7,6 +10,7 @@
 namespace Vel::GApp {
 
 const char* const ERR_COMMAND_FAILED = "GAppErr-0001";
+const char* const ERR_INVALID_ARGUMENT = "GAppErr-0002";
 
 namespace {
 
@@ -14,6 +18,7 @@ void registerFrameworkErrors()
 {
   static const bool done = [] {
     ErrorMessageContainer::registerError(ERR_COMMAND_FAILED, QStringLiteral("Command failed"));
+    ErrorMessageContainer::registerError(ERR_INVALID_ARGUMENT, QStringLiteral("Invalid command argument"));
     return true;
   }();
   (void)done;
@@ -101,6 +106,37 @@ QString CommandMetaInfo::typeCodeName(int code)
   }
 }
 
+// The level names, in level order (as the script database numbers them).
+const char* const CONFIG_LEVEL_NAMES[] = {"system", "public", "user"};
+
+QString CommandMetaInfo::typeCodeDescription(int code)
+{
+  if (code != TYPE_CONFIG_LEVEL)
+    return typeCodeName(code);
+  return typeCodeName(code) + QStringLiteral(": 0, 1, 2 or %1, %2, %3")
+                                  .arg(QLatin1String(CONFIG_LEVEL_NAMES[0]), QLatin1String(CONFIG_LEVEL_NAMES[1]),
+                                       QLatin1String(CONFIG_LEVEL_NAMES[2]));
+}
+
+bool CommandMetaInfo::readConfigLevel(const QVariant& value, int& level)
+{
+  const int count = int(std::size(CONFIG_LEVEL_NAMES));
+  if (value.typeId() == QMetaType::QString) {
+    for (int i = 0; i < count; ++i)
+      if (value.toString() == QLatin1String(CONFIG_LEVEL_NAMES[i])) {
+        level = i;
+        return true;
+      }
+    return false;
+  }
+  QVariant number;
+  if (!Trait(value).convertTo(StageIdentifier::NO_STAGE, QMetaType::Int, number) || number.toInt() < 0 ||
+      number.toInt() >= count)
+    return false;
+  level = number.toInt();
+  return true;
+}
+
 void CommandMetaInfo::setArgumentTypes(const ArgumentTypes& arguments)
 {
   _values[KEY_ARGUMENT_TYPES] = QVariant::fromValue(arguments);
@@ -135,8 +171,48 @@ bool Command::prepareInteractive(CommandParameters&)
   return true;
 }
 
+QString Command::describe() const
+{
+  QString text = getTitle() + QLatin1Char('\n');
+  const CommandMetaInfo::ArgumentTypes arguments = _meta_info.getArgumentTypes();
+  if (arguments.isEmpty())
+    return text + QStringLiteral("\nTakes no arguments.\n");
+  text += QStringLiteral("\nArguments:\n");
+  for (const auto& argument : arguments) {
+    QString type = CommandMetaInfo::typeCodeDescription(argument.type);
+    if (argument.required)
+      type += QStringLiteral(", required");
+    text += QStringLiteral("  %1 (%2)\n      %3\n").arg(argument.name, type, argument.description);
+  }
+  return text;
+}
+
+QString Command::checkArgumentNames(const CommandParameters& parameters) const
+{
+  const CommandMetaInfo::ArgumentTypes arguments = _meta_info.getArgumentTypes();
+  QStringList unknown;
+  for (const auto& entry : parameters.values())
+    if (std::none_of(arguments.begin(), arguments.end(),
+                     [&](const auto& argument) { return argument.name == entry.first; }))
+      unknown << QLatin1Char('\'') + entry.first + QLatin1Char('\'');
+  if (unknown.isEmpty())
+    return QString();
+  QStringList known;
+  for (const auto& argument : arguments)
+    known << argument.name;
+  const QString what =
+      unknown.size() == 1 ? QStringLiteral("%1 has no argument %2") : QStringLiteral("%1 has no arguments %2");
+  const QString text = what.arg(_name, unknown.join(QStringLiteral(", ")));
+  if (known.isEmpty())
+    return text + QStringLiteral("; it takes none");
+  return text + QStringLiteral("; its arguments are ") + known.join(QStringLiteral(", "));
+}
+
 QVariant Command::run(const CommandParameters& parameters, bool interactive)
 {
+  const QString unknown = checkArgumentNames(parameters);
+  if (!unknown.isEmpty())
+    throw CommandError(QString::fromLatin1(ERR_INVALID_ARGUMENT), ErrorLog(unknown));
   _result = QVariant();
   if (interactive) {
     CommandParameters completed = parameters;

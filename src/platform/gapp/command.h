@@ -20,7 +20,8 @@ namespace Vel::GApp {
 constexpr const char* SCRIPT_COMMAND_PREFIX = "userscript.";
 
 // Host error codes of the command framework itself.
-VEL_EXPORT extern const char* const ERR_COMMAND_FAILED;  // "GAppErr-0001"
+VEL_EXPORT extern const char* const ERR_COMMAND_FAILED;    // "GAppErr-0001"
+VEL_EXPORT extern const char* const ERR_INVALID_ARGUMENT;  // "GAppErr-0002"
 
 // A user's or a script's fault while running a command: an error code whose registered message
 // the user sees, and the detail lines of the log.
@@ -83,12 +84,19 @@ public:
     TYPE_OBJECT = 10
   };
   static QString typeCodeName(int code);
+  // The type's name followed by the words it takes, if it takes fixed words
+  // ("configuration level: 0, 1, 2 or system, public, user").
+  static QString typeCodeDescription(int code);
+  // A configuration level given as its number or its name; false for anything else.
+  static bool readConfigLevel(const QVariant& value, int& level);
 
   struct Argument
   {
     QString name;
     int type = TYPE_ANY;
     QString description;
+    // A run without the argument fails (an interactive run may ask for it first).
+    bool required = false;
   };
   using ArgumentTypes = QList<Argument>;
 
@@ -135,14 +143,21 @@ public:
   // 2 and 3 both (3: the interactive form is the usual one).
   virtual int getScriptKind() const { return 2; }
 
+  // The title and each argument with its type and description, as help shows them.
+  QString describe() const;
+  // What is wrong with the names of `parameters`: each must be an argument of the command.
+  // Empty when nothing is; otherwise the unknown names and the command's arguments.
+  QString checkArgumentNames(const CommandParameters& parameters) const;
+
   // Runs the command; a user's or script's fault is thrown as CommandError.
   virtual void execute(const CommandParameters& parameters) = 0;
   // Lets the user complete the arguments before an interactive run (file dialogs and the
   // like). False when the user cancelled.
   virtual bool prepareInteractive(CommandParameters& parameters);
 
-  // One call as the framework makes it: clears the result, optionally asks the user, runs.
-  // Returns the result (invalid when there is none or the user cancelled).
+  // One call as the framework makes it: refuses arguments the command does not declare (with
+  // ERR_INVALID_ARGUMENT), clears the result, optionally asks the user, runs. Returns the result
+  // (invalid when there is none or the user cancelled).
   QVariant run(const CommandParameters& parameters, bool interactive);
 
   CommandMetaInfo& getMetaInfo() { return _meta_info; }

@@ -4,6 +4,8 @@
 #include <QPainterPath>
 #include <QTextBlock>
 
+#include <map>
+
 #include "gedit/text_highlighter.h"
 #include "gedit/text_parser.h"
 
@@ -204,13 +206,64 @@ void SourceEditor::contentsChanged(int position, int removed, int)
   applyFolding();
 }
 
+namespace {
+
+QString leadingSpace(const QString& line)
+{
+  int end = 0;
+  while (end < line.size() && (line[end] == QLatin1Char(' ') || line[end] == QLatin1Char('\t')))
+    ++end;
+  return line.left(end);
+}
+
+}  // namespace
+
+QString SourceEditor::indentUnit() const
+{
+  // The step by which lines go in, counted where a line is indented deeper than the non-blank
+  // line above it; the most frequent wins, the first seen on a tie.
+  std::map<QString, int> counts;
+  QString first;
+  QString above;
+  for (QTextBlock block = document()->firstBlock(); block.isValid(); block = block.next()) {
+    const QString line = block.text();
+    if (line.trimmed().isEmpty())
+      continue;
+    const QString lead = leadingSpace(line);
+    if (lead.size() > above.size() && lead.startsWith(above)) {
+      const QString step = lead.mid(above.size());
+      if (step.count(step[0]) == step.size()) {
+        if (++counts[step] == 1 && first.isEmpty())
+          first = step;
+      }
+    }
+    above = lead;
+  }
+  QString unit = first.isEmpty() ? QStringLiteral("\t") : first;
+  for (const auto& [step, count] : counts)
+    if (count > counts[unit])
+      unit = step;
+  return unit;
+}
+
 void SourceEditor::keyPressEvent(QKeyEvent* event)
 {
-  if ((event->key() == Qt::Key_Return || event->key() == Qt::Key_Enter) && !(event->modifiers() & Qt::ShiftModifier)) {
+  if (event->key() == Qt::Key_Return || event->key() == Qt::Key_Enter) {
     QTextCursor cursor = textCursor();
     cursor.beginEditBlock();
+    // A line feed in any case: a line separator (Qt's Shift+Return) is no line break in source.
     cursor.insertText(QStringLiteral("\n"));
-    cursor.insertText(_parser->getLineOffset(cursor.blockNumber()));
+    if (!(event->modifiers() & Qt::ShiftModifier)) {
+      QString offset = _parser->getLineOffset(cursor.blockNumber());
+      // The parser steps in by tabs; a text indented otherwise gets its own unit.
+      const QString above = leadingSpace(cursor.block().previous().text());
+      if (offset.size() > above.size() && offset.startsWith(above)) {
+        const QString extra = offset.mid(above.size());
+        if (extra.count(QLatin1Char('\t')) == extra.size())
+          offset = above + indentUnit().repeated(extra.size());
+      }
+      cursor.insertText(offset);
+    }
     cursor.endEditBlock();
     setTextCursor(cursor);
     ensureCursorVisible();

@@ -34,6 +34,9 @@ public:
   bool isFolded(int first_line) const { return _folded.count(first_line) != 0; }
   void toggleFold(int first_line);
 
+  // The indentation the text already uses for one level: a tab, or so many spaces.
+  QString indentUnit() const;
+
   int marginWidth() const;
   void paintMargin(QPaintEvent* event);
   void marginClicked(const QPoint& position);

@@ -6,6 +6,7 @@
 
 #include "core/error_message_container.h"
 #include "core/prog_error.h"
+#include "gapp/command.h"
 #include "gapp/main_window.h"
 #include "gscript/execute.h"
 #include "gscript/python_values.h"
@@ -92,6 +93,9 @@ bool PythonInterpreter::parseLiteral(const QString& text, QVariant& value)
     return true;
   } catch (const py::error_already_set&) {
     return false;
+  } catch (const py::builtin_exception& refused) {
+    throw GApp::CommandError(QString::fromLatin1(GApp::ERR_INVALID_ARGUMENT),
+                             ErrorLog(QString::fromUtf8(refused.what())));
   }
 }
 

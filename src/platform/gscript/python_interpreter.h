@@ -41,7 +41,8 @@ public:
   static InterpreterStack& getInterpreterStack();
 
   // Reads a Python literal ("3", "True", "[1, 2]", "{'a': 1}") into a value; false when the
-  // text is no literal or the value has no command-argument form.
+  // text is no literal. A literal that no command can take (a set, bytes, an integer beyond 64
+  // bits) is the caller's fault: GApp::CommandError with GApp::ERR_INVALID_ARGUMENT.
   static bool parseLiteral(const QString& text, class QVariant& value);
   // The value as Python's repr() shows it ("None", "[1, 'a']").
   static QString repr(const class QVariant& value);

@@ -7,6 +7,10 @@
 #include <QVariantList>
 #include <QVariantMap>
 
+#include <algorithm>
+#include <string>
+#include <vector>
+
 #include "core/color.h"
 #include "gapp/trait.h"
 
@@ -14,7 +18,15 @@ namespace py = pybind11;
 
 namespace Vel::GScript {
 
-QVariant toVariant(py::handle object)
+namespace {
+
+// Deeper values are refused before the conversion's own recursion can exhaust the stack; Python
+// itself stops recursing at about this depth.
+constexpr size_t MAX_DEPTH = 1000;
+
+// `path` holds the containers being converted, outermost first: one that holds itself is found
+// there, and its length is the depth.
+QVariant convert(py::handle object, std::vector<PyObject*>& path)
 {
   if (object.is_none())
     return QVariant();
@@ -24,27 +36,39 @@ QVariant toVariant(py::handle object)
     int overflow = 0;
     const long long value = PyLong_AsLongLongAndOverflow(object.ptr(), &overflow);
     if (overflow != 0)
-      throw py::type_error("integer too large to pass to a command");
+      throw py::type_error("integer too large to pass to a command (more than 64 bits)");
     return QVariant(qlonglong(value));
   }
   if (PyFloat_Check(object.ptr()))
     return QVariant(PyFloat_AsDouble(object.ptr()));
   if (PyUnicode_Check(object.ptr()))
     return QVariant(QString::fromStdString(object.cast<std::string>()));
-  if (PyList_Check(object.ptr()) || PyTuple_Check(object.ptr())) {
-    QVariantList list;
-    for (py::handle element : object)
-      list << toVariant(element);
-    return list;
-  }
-  if (PyDict_Check(object.ptr())) {
-    QVariantMap map;
-    for (auto item : object.cast<py::dict>()) {
-      if (!PyUnicode_Check(item.first.ptr()))
-        throw py::type_error("dictionary keys passed to a command must be strings");
-      map.insert(QString::fromStdString(item.first.cast<std::string>()), toVariant(item.second));
+  const bool sequence = PyList_Check(object.ptr()) || PyTuple_Check(object.ptr());
+  if (sequence || PyDict_Check(object.ptr())) {
+    if (std::find(path.begin(), path.end(), object.ptr()) != path.end())
+      throw py::value_error("cannot pass a " + std::string(Py_TYPE(object.ptr())->tp_name) +
+                            " that contains itself to a command");
+    if (path.size() >= MAX_DEPTH)
+      throw py::value_error("cannot pass a value nested deeper than " + std::to_string(MAX_DEPTH) +
+                            " levels to a command");
+    path.push_back(object.ptr());
+    QVariant result;
+    if (sequence) {
+      QVariantList list;
+      for (py::handle element : object)
+        list << convert(element, path);
+      result = list;
+    } else {
+      QVariantMap map;
+      for (auto item : object.cast<py::dict>()) {
+        if (!PyUnicode_Check(item.first.ptr()))
+          throw py::type_error("dictionary keys passed to a command must be strings");
+        map.insert(QString::fromStdString(item.first.cast<std::string>()), convert(item.second, path));
+      }
+      result = map;
     }
-    return map;
+    path.pop_back();
+    return result;
   }
   if (py::isinstance<Vel::Color>(object))
     return QVariant::fromValue(object.cast<Vel::Color>());
@@ -53,6 +77,14 @@ QVariant toVariant(py::handle object)
     return QDate(object.attr("year").cast<int>(), object.attr("month").cast<int>(), object.attr("day").cast<int>());
   throw py::type_error("cannot pass an object of type '" + std::string(Py_TYPE(object.ptr())->tp_name) +
                        "' to a command");
+}
+
+}  // namespace
+
+QVariant toVariant(py::handle object)
+{
+  std::vector<PyObject*> path;
+  return convert(object, path);
 }
 
 py::object fromVariant(const QVariant& value)

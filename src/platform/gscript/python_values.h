@@ -10,7 +10,8 @@ namespace Vel::GScript {
 
 // Python objects as command arguments and command results as Python objects. None, bool, int,
 // float, str, list, tuple, dict (with str keys), zut.Color and datetime.date travel; anything
-// else is refused with a TypeError that names the Python type.
+// else is refused with a TypeError that names the Python type, an integer beyond 64 bits with a
+// TypeError, and a container that holds itself or is nested over 1,000 deep with a ValueError.
 VEL_EXPORT QVariant toVariant(pybind11::handle object);
 VEL_EXPORT pybind11::object fromVariant(const QVariant& value);
 // Adds zut.Color to the package.

@@ -9,6 +9,9 @@
 #include <QJsonObject>
 #include <QSaveFile>
 
+#include <algorithm>
+#include <set>
+
 #include "gapp/command.h"
 
 namespace Vel::GScript {
@@ -197,6 +200,7 @@ void ScriptDatabase::scan() const
   _scan_log.clear();
   for (int level = LEVEL_SYSTEM; level < LEVEL_COUNT; ++level)
     scanLevel(level, _scripts, _scan_log);
+  nameCommands();
 
   for (const auto& entry : _scripts) {
     const Script* script = entry.second.get();
@@ -216,6 +220,32 @@ void ScriptDatabase::scan() const
     }
   }
   _scanned = true;
+}
+
+void ScriptDatabase::nameCommands() const
+{
+  std::map<QString, std::vector<Script*>> by_name;
+  for (const auto& entry : _scripts)
+    by_name[makeScriptCommandName(entry.second->getQualifiedName())].push_back(entry.second.get());
+  std::set<QString> taken;
+  for (const auto& entry : by_name)
+    taken.insert(entry.first);
+  for (auto& entry : by_name) {
+    std::vector<Script*>& scripts = entry.second;
+    const QString prefix = QString::fromLatin1(GApp::SCRIPT_COMMAND_PREFIX);
+    // The name that needs no change keeps its command whatever else is added to the database.
+    std::stable_partition(scripts.begin(), scripts.end(), [&](const Script* script) {
+      return prefix + QString(script->getQualifiedName()).replace(QLatin1Char('/'), QLatin1Char('.')) == entry.first;
+    });
+    scripts.front()->_command_name = entry.first;
+    int number = 2;
+    for (auto it = std::next(scripts.begin()); it != scripts.end(); ++it) {
+      while (taken.count(entry.first + QStringLiteral("_%1").arg(number)))
+        ++number;
+      (*it)->_command_name = entry.first + QStringLiteral("_%1").arg(number);
+      taken.insert((*it)->_command_name);
+    }
+  }
 }
 
 std::vector<const Script*> ScriptDatabase::getAllScripts() const
@@ -289,6 +319,7 @@ Script* ScriptDatabase::createLoadedScript(const QString& file_name, ErrorLog& l
   const Script* script = getScript(file_name);
   auto* loaded = new Script;
   loaded->_file_name = script->_file_name;
+  loaded->_command_name = script->_command_name;
   loaded->_path = script->_path;
   loaded->_level = script->_level;
   loaded->_metadata = script->_metadata;

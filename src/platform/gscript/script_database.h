@@ -43,6 +43,8 @@ public:
   const QString& getFileName() const { return _file_name; }
   // The file name without ".py" ("tools/helpers").
   QString getQualifiedName() const;
+  // The command that runs the script ("userscript.tools.helpers"), unique in the database.
+  const QString& getCommandName() const { return _command_name; }
   QString getDisplayName() const;
   bool getShowInMenu() const { return _metadata.show_in_menu; }
   const ScriptMetadata& getMetadata() const { return _metadata; }
@@ -58,6 +60,7 @@ public:
 private:
   friend class ScriptDatabase;
   QString _file_name;
+  QString _command_name;
   QString _path;
   int _level = LEVEL_USER;
   ScriptMetadata _metadata;
@@ -138,7 +141,10 @@ public:
   ScriptCreator* getCreator() const { return _creator.get(); }
 
   // "userscript." and the qualified name with '/' as '.' and every character that cannot be in
-  // a Python identifier as '_' ("userscript.my_tools.grüße").
+  // a Python identifier as '_' ("userscript.my_tools.grüße"). Scripts whose names differ only in
+  // such characters ("my tools/x", "my-tools/x", "my_tools/x") each keep a command: the one whose
+  // name needs no change, or else the first by name, has this name, and the others have it with
+  // "_2", "_3", ... appended in name order (Script::getCommandName).
   static QString makeScriptCommandName(const QString& qualified_name);
   // The tool-bar group of a folder's scripts ("scriptgroup.my_tools").
   static QString makeGroupCommandName(const QString& folder_qualified_name);
@@ -149,6 +155,7 @@ public:
 
 private:
   void scan() const;
+  void nameCommands() const;
   void scanLevel(int level, std::map<QString, std::unique_ptr<Script>>& scripts, ErrorLog& log) const;
 
   std::unique_ptr<ScriptCreator> _creator;

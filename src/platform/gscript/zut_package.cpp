@@ -86,9 +86,19 @@ py::object call(const CommandNamespace& self, const py::args& args, const py::kw
   if (!args.empty())
     throw py::type_error(self.path() + "() takes keyword arguments only");
 
-  GApp::CommandParameters parameters;
+  // Unknown keywords are a TypeError, as for any Python function, before any value is converted.
+  GApp::CommandParameters names;
   for (auto item : kwargs)
-    parameters.set(QString::fromStdString(item.first.cast<std::string>()), toVariant(item.second));
+    names.set(QString::fromStdString(item.first.cast<std::string>()), QVariant());
+  const QString unknown = command->checkArgumentNames(names);
+  if (!unknown.isEmpty())
+    throw py::type_error(unknown.toStdString());
+  GApp::CommandParameters parameters;
+  for (auto item : kwargs) {
+    // None stands for "not given", as the signature's defaults say.
+    if (!item.second.is_none())
+      parameters.set(QString::fromStdString(item.first.cast<std::string>()), toVariant(item.second));
+  }
 
   try {
     return fromVariant(command->run(parameters, self.interactive));
@@ -102,6 +112,19 @@ py::object call(const CommandNamespace& self, const py::args& args, const py::kw
   } catch (const ProgError& error) {
     throw std::runtime_error(std::string("internal error: ") + error.what());
   }
+}
+
+// Python's view of the argument table: keyword-only, the optional ones defaulting to None. In an
+// interactive call every argument is optional: the command asks for what is missing.
+py::object signature(const CommandNamespace& self)
+{
+  const GApp::Command* command = GApp::CommandContainer::getInstance().getCommand(QString::fromStdString(self.prefix));
+  if (!command)
+    return py::none();
+  py::list arguments;
+  for (const auto& argument : command->getMetaInfo().getArgumentTypes())
+    arguments.append(py::make_tuple(argument.name.toStdString(), argument.required && !self.interactive));
+  return py::module_::import("zut").attr("_command_signature")(arguments);
 }
 
 py::list names(const CommandNamespace& self)
@@ -121,6 +144,23 @@ py::list names(const CommandNamespace& self)
   return list;
 }
 
+// What help() shows: a command's call, title and arguments; the names below a namespace.
+std::string doc(const CommandNamespace& self)
+{
+  std::string text;
+  if (const GApp::Command* command =
+          GApp::CommandContainer::getInstance().getCommand(QString::fromStdString(self.prefix)))
+    text = self.prefix.substr(self.prefix.rfind('.') + 1) + py::str(signature(self)).cast<std::string>() + "\n\n" +
+           command->describe().toStdString();
+  const py::list below = names(self);
+  if (!below.empty()) {
+    if (!text.empty())
+      text += "\n";
+    text += "Commands below " + self.path() + ": " + py::str(", ").attr("join")(below).cast<std::string>() + "\n";
+  }
+  return text;
+}
+
 const char* const EXCEPTIONS = R"(
 class CommandError(Exception):
     """A command failed: its error code, the code's message and the command's log."""
@@ -138,6 +178,12 @@ class CommandError(Exception):
 
 class ScriptTypeError(Exception):
     """An object refused an attribute assignment."""
+
+
+def _command_signature(arguments):
+    from inspect import Parameter, Signature
+    return Signature([Parameter(name, Parameter.KEYWORD_ONLY, **({} if required else {"default": None}))
+                      for name, required in arguments])
 )";
 
 // Modules that Python's own finders do not find are looked for among the import handler
@@ -235,6 +281,8 @@ PYBIND11_EMBEDDED_MODULE(zut, m)
       .def("__getattr__", &Vel::GScript::attribute)
       .def("__call__", &Vel::GScript::call)
       .def("__dir__", &Vel::GScript::names)
+      .def_property_readonly("__doc__", &Vel::GScript::doc)
+      .def_property_readonly("__signature__", &Vel::GScript::signature)
       .def("__repr__", [](const CommandNamespace& self) { return "<" + self.path() + ">"; });
   Vel::GScript::registerColorType(m);
   m.attr("script") = CommandNamespace{std::string(), false};

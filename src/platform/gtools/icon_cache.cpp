@@ -1,6 +1,8 @@
 #include "gtools/icon_cache.h"
 
+#include <QApplication>
 #include <QGuiApplication>
+#include <QStyle>
 #include <QMap>
 #include <QPainter>
 #include <QPixmap>
@@ -30,6 +32,31 @@ QIcon Cache::getConfigLevelIcon(int level)
     painter.drawLine(QPointF(5, y), QPointF(11, y));
   painter.end();
   return icons[level] = QIcon(pixmap);
+}
+
+}  // namespace Vel::GIcon
+
+namespace Vel::GIcon {
+
+QIcon Cache::getSystemIcon(SystemIcon::Type_t type)
+{
+  if (!qobject_cast<QApplication*>(QCoreApplication::instance()))
+    return QIcon();
+  // The style's own pictures, so that dialog buttons look like the application's buttons.
+  static const QStyle::StandardPixmap pixmaps[] = {
+      QStyle::SP_DialogOkButton, QStyle::SP_DialogCancelButton, QStyle::SP_ArrowUp,
+      QStyle::SP_ArrowDown,      QStyle::SP_ArrowLeft,          QStyle::SP_ArrowRight};
+  return QApplication::style()->standardIcon(pixmaps[qBound(0, static_cast<int>(type), 5)]);
+}
+
+int Cache::getSystemIconExtent(SystemIconSize::Type_t size)
+{
+  switch (size) {
+    case SystemIconSize::Large: return 32;
+    case SystemIconSize::ExtraLarge: return 48;
+    case SystemIconSize::Default: break;
+  }
+  return 16;
 }
 
 }  // namespace Vel::GIcon

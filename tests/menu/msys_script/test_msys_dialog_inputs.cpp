@@ -256,7 +256,18 @@ INSTANTIATE_TEST_SUITE_P(
                       RefusalCase{"input::color", "color", 0xff0000, WRONG_TYPE},
                       RefusalCase{"input::date", "value", QStringLiteral("2020-01-01"), WRONG_TYPE},
                       RefusalCase{"input::date", "default_date", QDate(2021, 4, 31), WRONG_TYPE},
-                      RefusalCase{"input::date", "volume", 3, "The object has no writeable attribute \"volume\"."}));
+                      RefusalCase{"input::date", "volume", 3, "The object has no writeable attribute \"volume\"."},
+                      RefusalCase{"button::pushbutton", "type", QStringLiteral("Toggle"),
+                                  "The button type \"Toggle\" is invalid."},
+                      RefusalCase{"button::pushbutton", "value", true, "This is not a toggle button."},
+                      RefusalCase{"button::pushbutton", "icon_type", QStringLiteral("File"),
+                                  "The value \"File\" is invalid."},
+                      RefusalCase{"button::abort", "icon_system_size", QStringLiteral("huge"),
+                                  "The value \"huge\" is invalid."},
+                      RefusalCase{"button::pushbutton", "text", 5, WRONG_TYPE},
+                      RefusalCase{"button::pushbutton", "icon", QByteArray("no picture"), WRONG_TYPE},
+                      RefusalCase{"button::abort", "toggleable", true,
+                                  "The object has no writeable attribute \"toggleable\"."}));
 
 TEST(InputWidgets, AnImpossibleDateStaysAsSet)
 {
@@ -471,6 +482,9 @@ TEST(ElementPictures, EveryTypeRendersInBothStyles)
       {QStringLiteral("input::slider"), QStringLiteral("<value>40</value><maximum>100</maximum><tick_interval>10</tick_interval>")},
       {QStringLiteral("input::checkbox"), QStringLiteral("<title>Measure twice</title><value>true</value>")},
       {QStringLiteral("input::color"), QStringLiteral("<color><red>0</red><green>128</green><blue>128</blue><alpha>255</alpha></color>")},
+      {QStringLiteral("button::pushbutton"), QStringLiteral("<text>Next bore</text><icon_type>system</icon_type>"
+                                                            "<icon_system_type>arrow_right</icon_system_type>")},
+      {QStringLiteral("button::abort"), QStringLiteral("<text>Abort</text><icon_system_size>large</icon_system_size>")},
   };
   std::vector<QPixmap> sheet;
   for (auto pos = registry->getWidgetCreatorBegin(); pos != registry->getWidgetCreatorEnd(); ++pos) {

@@ -68,6 +68,13 @@ std::vector<ColourRun> withoutSpecialMethods(std::vector<ColourRun> runs)
   return runs;
 }
 
+// Types text as key events; QTest::keyClicks knows ASCII only.
+void type(QWidget* widget, const QString& text)
+{
+  for (const QChar c : text)
+    QTest::sendKeyEvent(QTest::Click, widget, Qt::Key_unknown, QString(c), Qt::NoModifier);
+}
+
 class EditorTest : public ::testing::Test
 {
 protected:
@@ -298,33 +305,209 @@ TEST_F(EditorTest, EditorIndentsFoldsRunsAndSaves)
   EXPECT_FALSE(dialog.isModified());
 }
 
-TEST_F(EditorTest, ExitSavesTheEditorsChangesAndReportsAFailedSave)
+TEST_F(EditorTest, ExitKeepsUnsavedChangesForRecoveryAndLeavesTheFileAlone)
 {
   QTemporaryDir dir;
+  qputenv("XDG_DATA_HOME", dir.filePath(QStringLiteral("data")).toLocal8Bit());
   auto* command = dynamic_cast<EditorCommand*>(
       GApp::CommandContainer::getInstance().getCommand(QStringLiteral("sys.show_script_editor")));
   ASSERT_NE(command, nullptr);
+  const QString path = dir.filePath(QStringLiteral("exit.py"));
+  writeFile(path, "x = 1\n");
+  GApp::CommandParameters parameters;
+  parameters.set(QStringLiteral("file"), QVariant(path));
+  const auto typeAtEnd = [&](const QString& text) {
+    command->run(parameters, false);
+    GEdit::SourceEditor* editor = command->getDialog()->getEditor();
+    editor->moveCursor(QTextCursor::End);
+    QTest::keyClicks(editor, text);
+  };
+  std::vector<QString> questions;
+  bool answer = true;
+  GTools::setQuestionHandler([&](const QString&, const QString& question) {
+    questions.push_back(question);
+    return answer;
+  });
+
+  typeAtEnd(QStringLiteral("y = 2"));
+  const QString recovery = command->getDialog()->recoveryFile();
+  EXPECT_TRUE(GApp::AppStatusManager::requestExit(true));
+  EXPECT_FALSE(command->hasDialog());
+  EXPECT_EQ(readFile(path), QByteArray("x = 1\n")) << "never written behind the user's back";
+  ASSERT_TRUE(QFile::exists(recovery));
+
+  // Opened again: offered, restored unsaved; saving writes it and the recovery goes.
+  command->run(parameters, false);
+  ASSERT_EQ(questions.size(), 1u);
+  EXPECT_TRUE(questions[0].contains(path)) << qPrintable(questions[0]);
+  ScriptEditorDialog* dialog = command->getDialog();
+  EXPECT_EQ(dialog->text(), QStringLiteral("x = 1\ny = 2"));
+  EXPECT_TRUE(dialog->isModified());
+  EXPECT_FALSE(QFile::exists(recovery));
+  ErrorLog log;
+  ASSERT_TRUE(dialog->save(log)) << qPrintable(log.getText());
+  EXPECT_EQ(readFile(path), QByteArray("x = 1\ny = 2"));
+
+  // Declined: set aside, not offered again, not lost.
+  typeAtEnd(QStringLiteral("#"));
+  EXPECT_TRUE(GApp::AppStatusManager::requestExit(true));
+  answer = false;
+  command->run(parameters, false);
+  EXPECT_EQ(questions.size(), 2u);
+  EXPECT_EQ(command->getDialog()->text(), QStringLiteral("x = 1\ny = 2"));
+  EXPECT_TRUE(QFile::exists(recovery + QStringLiteral(".discarded")));
+
+  // A recovery file that cannot be written is reported.
   std::vector<QString> shown;
   GTools::setErrorDialogHandler([&](const QString& code, const QString&) { shown.push_back(code); });
-
-  for (const bool writable : {true, false}) {
-    const QString folder = dir.filePath(writable ? QStringLiteral("ok") : QStringLiteral("gone"));
-    QDir().mkpath(folder);
-    const QString path = folder + QStringLiteral("/exit.py");
-    GApp::CommandParameters parameters;
-    parameters.set(QStringLiteral("file"), QVariant(path));
-    command->run(parameters, false);
-    ASSERT_TRUE(command->hasDialog());
-    command->getDialog()->getEditor()->insertPlainText(QStringLiteral("print('unsaved')\n"));
-    if (!writable)
-      QDir(folder).removeRecursively();
-    EXPECT_TRUE(GApp::AppStatusManager::requestExit(true));
-    EXPECT_FALSE(command->hasDialog());
-    if (writable) {
-      EXPECT_EQ(readFile(path), QByteArray("print('unsaved')\n"));
-    }
-  }
+  writeFile(dir.filePath(QStringLiteral("blocked")), "a file where the folder would be");
+  qputenv("XDG_DATA_HOME", dir.filePath(QStringLiteral("blocked")).toLocal8Bit());
+  typeAtEnd(QStringLiteral("#"));
+  EXPECT_TRUE(GApp::AppStatusManager::requestExit(true));
   GTools::setErrorDialogHandler(nullptr);
-  ASSERT_EQ(shown.size(), 1u);
-  EXPECT_EQ(shown[0], QStringLiteral("MSysScriptErr-0003"));
+  GTools::setQuestionHandler(nullptr);
+  EXPECT_EQ(shown, std::vector<QString>{QStringLiteral("MSysScriptErr-0003")});
+  EXPECT_EQ(readFile(path), QByteArray("x = 1\ny = 2"));
 }
+
+struct RoundTrip
+{
+  const char* what;
+  QByteArray bytes;
+  const char* typed;  // at the end of the first line
+  QByteArray saved;
+};
+
+class EditorRoundTrip : public EditorTest, public ::testing::WithParamInterface<RoundTrip>
+{};
+
+TEST_P(EditorRoundTrip, SavesInTheEncodingLineEndingsAndMarkItRead)
+{
+  const RoundTrip& c = GetParam();
+  QTemporaryDir dir;
+  const QString path = dir.filePath(QStringLiteral("file.py"));
+  writeFile(path, c.bytes);
+  ScriptEditorDialog dialog;
+  ErrorLog log;
+  ASSERT_TRUE(dialog.openFile(path, log)) << qPrintable(log.getText());
+  ASSERT_TRUE(dialog.save(log)) << qPrintable(log.getText());
+  EXPECT_EQ(readFile(path), c.bytes) << "unchanged, byte for byte";
+
+  GEdit::SourceEditor* editor = dialog.getEditor();
+  QTextCursor cursor(editor->document()->firstBlock());
+  cursor.movePosition(QTextCursor::EndOfBlock);
+  editor->setTextCursor(cursor);
+  type(editor, QString::fromUtf8(c.typed));
+  ASSERT_TRUE(dialog.save(log)) << qPrintable(log.getText());
+  EXPECT_EQ(readFile(path), c.saved);
+}
+
+INSTANTIATE_TEST_SUITE_P(
+    Files, EditorRoundTrip,
+    ::testing::Values(
+        RoundTrip{"latin1", "# -*- coding: latin-1 -*-\nx = 'caf\xe9\xa0'\n", "\xc3\xa9",
+                  "# -*- coding: latin-1 -*-\xe9\nx = 'caf\xe9\xa0'\n"},
+        RoundTrip{"latin1BelowShebang", "#!/usr/bin/python3\n# vim: set fileencoding=iso-8859-15 :\ns = '\xa4'\n", "!",
+                  "#!/usr/bin/python3!\n# vim: set fileencoding=iso-8859-15 :\ns = '\xa4'\n"},
+        RoundTrip{"crlf", "a = 1\r\nb = 2\r\n", "  # \xc3\xa4", "a = 1  # \xc3\xa4\r\nb = 2\r\n"},
+        RoundTrip{"cr", "a = 1\rb = 2", "!", "a = 1!\rb = 2"},
+        RoundTrip{"bom", "\xef\xbb\xbfs = '\xc3\xa4'\r\n", "#", "\xef\xbb\xbfs = '\xc3\xa4'#\r\n"},
+        RoundTrip{"bomWithUtf8Declaration", "\xef\xbb\xbf# coding: utf-8\n", "!", "\xef\xbb\xbf# coding: utf-8!\n"},
+        RoundTrip{"noFinalLineFeedAndNbsp", "s = '\xc2\xa0'\n\n\n\tpass", "", "s = '\xc2\xa0'\n\n\n\tpass"}),
+    [](const ::testing::TestParamInfo<RoundTrip>& info) { return std::string(info.param.what); });
+
+struct Refused
+{
+  const char* what;
+  QByteArray bytes;
+  const char* reason;
+};
+
+class EditorRefusesToGuess : public EditorTest, public ::testing::WithParamInterface<Refused>
+{};
+
+TEST_P(EditorRefusesToGuess, OpensNothingAndSaysWhy)
+{
+  const Refused& c = GetParam();
+  QTemporaryDir dir;
+  const QString earlier = dir.filePath(QStringLiteral("earlier.py"));
+  writeFile(earlier, "print('earlier')\n");
+  const QString path = dir.filePath(QStringLiteral("file.py"));
+  writeFile(path, c.bytes);
+  ScriptEditorDialog dialog;
+  ErrorLog log;
+  ASSERT_TRUE(dialog.openFile(earlier, log));
+  EXPECT_FALSE(dialog.openFile(path, log));
+  EXPECT_TRUE(log.getText().contains(QString::fromUtf8(c.reason))) << qPrintable(log.getText());
+  EXPECT_EQ(dialog.getFileName(), earlier) << "the earlier file stays open";
+  EXPECT_EQ(dialog.text(), QStringLiteral("print('earlier')\n"));
+  EXPECT_EQ(readFile(path), c.bytes);
+}
+
+INSTANTIATE_TEST_SUITE_P(
+    Files, EditorRefusesToGuess,
+    ::testing::Values(Refused{"latin1Undeclared", "x = 1\ns = 'caf\xe9'\n", "line 2 is not valid UTF-8"},
+                      Refused{"declaredTooLate", "x = 1\n# coding: latin-1\ns = '\xe9'\n", "line 3 is not valid UTF-8"},
+                      Refused{"badUtf8", "# coding: utf-8\ns = '\xff'\n", "line 2 is not valid UTF-8"},
+                      Refused{"bomAndLatin1", "\xef\xbb\xbf# coding: latin-1\n", "byte-order mark"},
+                      Refused{"unknownEncoding", "# coding: no-such-encoding\n", "'no-such-encoding'"}),
+    [](const ::testing::TestParamInfo<Refused>& info) { return std::string(info.param.what); });
+
+TEST_F(EditorTest, ACharacterTheEncodingCannotHoldIsNotSaved)
+{
+  QTemporaryDir dir;
+  const QString path = dir.filePath(QStringLiteral("file.py"));
+  const QByteArray original = "# coding: latin-1\ns = ''\n";
+  writeFile(path, original);
+  ScriptEditorDialog dialog;
+  ErrorLog log;
+  ASSERT_TRUE(dialog.openFile(path, log));
+  dialog.getEditor()->moveCursor(QTextCursor::End);
+  type(dialog.getEditor(), QStringLiteral("t = '\u20ac'"));
+  EXPECT_FALSE(dialog.save(log));
+  EXPECT_TRUE(log.getText().contains(QStringLiteral("line 3: the character U+20ac cannot be written in iso-8859-1")))
+      << qPrintable(log.getText());
+  EXPECT_EQ(readFile(path), original);
+  EXPECT_TRUE(dialog.isModified());
+}
+
+struct Indent
+{
+  const char* what;
+  const char* text;
+  int line;  // Return at its end
+  const char* inserted;
+};
+
+class EditorIndent : public EditorTest, public ::testing::WithParamInterface<Indent>
+{};
+
+TEST_P(EditorIndent, NewLinesUseTheIndentationTheFileAlreadyUses)
+{
+  const Indent& c = GetParam();
+  QTemporaryDir dir;
+  const QString path = dir.filePath(QStringLiteral("file.py"));
+  writeFile(path, c.text);
+  ScriptEditorDialog dialog;
+  ErrorLog log;
+  ASSERT_TRUE(dialog.openFile(path, log));
+  GEdit::SourceEditor* editor = dialog.getEditor();
+  QTextCursor cursor(editor->document()->findBlockByNumber(c.line));
+  cursor.movePosition(QTextCursor::EndOfBlock);
+  editor->setTextCursor(cursor);
+  QTest::keyClick(editor, Qt::Key_Return);
+  EXPECT_EQ(editor->document()->findBlockByNumber(c.line + 1).text(), QString::fromLatin1(c.inserted));
+  QTest::keyClicks(editor, QStringLiteral("x = 0"));
+  EXPECT_TRUE(dialog.run()) << "no TabError: " << qPrintable(dialog.getOutput()->toPlainText());
+}
+
+INSTANTIATE_TEST_SUITE_P(Files, EditorIndent,
+                         ::testing::Values(Indent{"fourSpaces", "def f():\n    return 1\n", 0, "    "},
+                                           Indent{"twoSpacesNested", "if True:\n  if True:\n    pass\n", 1, "    "},
+                                           Indent{"tabs", "if True:\n\tpass\n", 0, "\t"},
+                                           Indent{"sameLevel", "if True:\n    a = 1\n", 1, "    "},
+                                           Indent{"nothingIndentedYet", "if True: pass\nif True:\n", 1, "\t"},
+                                           Indent{"mostlyFour",
+                                                  "if 1:\n    if 1:\n        pass\nx = (1,\n  2)\nif 1:\n    pass\n", 5,
+                                                  "    "}),
+                         [](const ::testing::TestParamInfo<Indent>& info) { return std::string(info.param.what); });

@@ -52,7 +52,7 @@ const std::vector<CommandRow>& expectedCommands()
 {
   static const std::vector<CommandRow> rows = {
       {"sys.delay_script", "Delay script execution", {{"time", Meta::TYPE_DOUBLE, "time to wait in seconds"}}},
-      {"sys.show_script_editor", "Edit Script", {}},
+      {"sys.show_script_editor", "Edit Script", {{"file", Meta::TYPE_STRING, nullptr}}},
       {"sys.execute_script",
        "Execute Script",
        {{"file", Meta::TYPE_FILE, "file name"},
@@ -333,20 +333,6 @@ TEST_F(ModuleTest, ExitNotifierAsksOnlyInKioskModeAndNotWhenSilent)
   VelInit::setKioskMode(false);
   GTools::setQuestionHandler(nullptr);
   EXPECT_TRUE(notifier.canExit());
-}
-
-TEST_F(ModuleTest, PlaceholderCommandsFailClearly)
-{
-  for (const char* name : {"sys.create_user_defined_dialog", "sys.close_user_defined_dialog"}) {
-    GApp::Command* command = GApp::CommandContainer::getInstance().getCommand(QString::fromLatin1(name));
-    try {
-      command->run(GApp::CommandParameters(), false);
-      FAIL() << name << " ran";
-    } catch (const GApp::CommandError& error) {
-      EXPECT_EQ(error.getLog().getText(),
-                QStringLiteral("The command '%1' is not available yet.").arg(QLatin1String(name)));
-    }
-  }
 }
 
 // The dialog registry is the last of the four start-up steps: when an earlier one fails, it is

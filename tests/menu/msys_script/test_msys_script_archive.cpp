@@ -3,11 +3,13 @@
 #include <QFile>
 #include <QTemporaryDir>
 
+#include <cctype>
 #include <gtest/gtest.h>
 #include <map>
 
 #include "gapp/command_container.h"
 #include "gscript/script_database.h"
+#include "gtools/error_dialog.h"
 #include "menu/msys_script/msys_cmd_export_script.h"
 #include "menu/msys_script/msys_python_script_database.h"
 #include "menu/msys_script/msys_script_archive.h"
@@ -147,6 +149,109 @@ TEST_F(ArchiveTest, DamagedOrTruncatedArchivesFailAndChangeNothing)
                   .startsWith(QStringLiteral("MSysScriptErr-0015|")));
 }
 
+struct BadEntry
+{
+  const char* what;
+  QString file_name;
+  QString icon_name;
+  const char* reason;
+};
+
+class ArchiveBadEntry : public ArchiveTest, public ::testing::WithParamInterface<BadEntry>
+{};
+
+TEST_P(ArchiveBadEntry, RefusesTheWholeArchiveBeforeWritingAnything)
+{
+  const BadEntry& c = GetParam();
+  std::vector<ArchivedScript> scripts(2);
+  scripts[0].file_name = QStringLiteral("good.py");
+  scripts[0].code = "print('good')\n";
+  scripts[1].file_name = c.file_name;
+  scripts[1].code = "print('bad')\n";
+  scripts[1].metadata.icon = c.icon_name;
+  scripts[1].icon = c.icon_name.isEmpty() ? QByteArray() : QByteArray("png");
+  const QString archive = dir.filePath(QStringLiteral("bad.scriptar"));
+  writeFile(archive, ScriptArchive::write(scripts));
+
+  const QString result = failure("sys.import_script_archive", withFile(archive));
+  EXPECT_TRUE(result.startsWith(QStringLiteral("MSysScriptErr-0015|The script archive cannot be imported: entry 2: ")))
+      << qPrintable(result);
+  EXPECT_TRUE(result.contains(QString::fromLatin1(c.reason))) << qPrintable(result);
+  EXPECT_TRUE(snapshot(user).empty()) << "nothing written";
+
+  // The same names are refused when scripts are written one by one.
+  DatabaseLock database;
+  ErrorLog log;
+  ScriptToWrite single{c.file_name, "print('bad')\n", QString(), true, c.icon_name, scripts[1].icon};
+  EXPECT_FALSE(writeScripts(*database.get(), GScript::LEVEL_USER, {single}, true, log));
+  EXPECT_TRUE(snapshot(user).empty());
+}
+
+INSTANTIATE_TEST_SUITE_P(
+    Names, ArchiveBadEntry,
+    ::testing::Values(
+        BadEntry{"NUL", QString::fromUtf8("a\0b.py", 6), QString(), "'a\\x00b.py'"},
+        BadEntry{"hidden file", QStringLiteral(".hidden.py"), QString(), "hidden"},
+        BadEntry{"hidden folder", QStringLiteral("tools/.cache/x.py"), QString(), "hidden"},
+        BadEntry{"line break", QStringLiteral("a\nb.py"), QString(), "control character"},
+        BadEntry{"backslash", QStringLiteral("tools\\x.py"), QString(), "not '\\'"},
+        BadEntry{"outside", QStringLiteral("../x.py"), QString(), "'..'"},
+        BadEntry{"absolute", QStringLiteral("/tmp/x.py"), QString(), "relative"},
+        BadEntry{"no .py", QStringLiteral("x.txt"), QString(), "ends in '.py'"},
+        BadEntry{"icon path", QStringLiteral("x.py"), QStringLiteral("../../etc/x.png"), "beside their script"},
+        BadEntry{"hidden icon", QStringLiteral("x.py"), QStringLiteral(".x.png"), "hidden"},
+        BadEntry{"icon over a script", QStringLiteral("x.py"), QStringLiteral("good.py"), "replace a script"},
+        BadEntry{"icon over metadata", QStringLiteral("x.py"), QStringLiteral("good.meta.json"), "replace a script"},
+        BadEntry{"icon with NUL", QStringLiteral("x.py"), QString::fromUtf8("i\0.png", 6), "control character"}),
+    [](const ::testing::TestParamInfo<BadEntry>& info) {
+      std::string name;
+      for (const char* c = info.param.what; *c; ++c)
+        name += std::isalnum(static_cast<unsigned char>(*c)) ? *c : '_';
+      return name;
+    });
+
+TEST_F(ArchiveTest, ExportReadsIconsOnlyInsideTheDatabaseAndKeepsScriptsWhoseIconIsMissing)
+{
+  const QString secret = dir.filePath(QStringLiteral("secret.txt"));
+  writeFile(secret, "secret outside the database");
+  const QString climb = QDir(user).relativeFilePath(secret);  // "../../../secret.txt"
+  add(QStringLiteral("climbs.py"), "print('climbs')\n");
+  add(QStringLiteral("climbs.meta.json"), QStringLiteral("{\"icon\": \"%1\"}").arg(climb).toUtf8());
+  add(QStringLiteral("linked.py"), "print('linked')\n");
+  add(QStringLiteral("linked.meta.json"), "{\"icon\": \"linked.png\"}");
+  ASSERT_TRUE(QFile::link(secret, QDir(user).filePath(QStringLiteral("linked.png"))));
+  add(QStringLiteral("missing.py"), "print('missing')\n");
+  add(QStringLiteral("missing.meta.json"), "{\"icon\": \"gone.png\", \"display_name\": \"Missing\"}");
+  add(QStringLiteral("fine.py"), "print('fine')\n");
+  add(QStringLiteral("fine.meta.json"), "{\"icon\": \"fine.png\"}");
+  add(QStringLiteral("fine.png"), "fine icon");
+  UpdateRegisteredCommands();
+
+  QStringList warnings;
+  GTools::setErrorDialogHandler(
+      [&](const QString& code, const QString& text) { warnings << code + QLatin1Char('|') + text; });
+  const QString archive = dir.filePath(QStringLiteral("all.scriptar"));
+  const QVariant exported = run("sys.export_script_archive", withFile(archive));
+  GTools::setErrorDialogHandler(nullptr);
+
+  EXPECT_EQ(exported.toStringList().size(), 4);
+  ASSERT_EQ(warnings.size(), 1);
+  for (const char* name : {"climbs.py: the icon is left out", "linked.py: the icon is left out",
+                           "missing.py: the icon is left out", "outside the script database"})
+    EXPECT_TRUE(warnings.first().contains(QString::fromLatin1(name))) << qPrintable(warnings.first());
+  EXPECT_TRUE(warnings.first().startsWith(QStringLiteral("MSysScriptErr-0017|")));
+  EXPECT_FALSE(warnings.first().contains(QStringLiteral("fine.py")));
+  EXPECT_FALSE(readFile(archive).contains(QByteArray("secret outside the database").toBase64()));
+
+  std::vector<ArchivedScript> back;
+  ErrorLog log;
+  ASSERT_TRUE(ScriptArchive::read(readFile(archive), back, log)) << qPrintable(log.getText());
+  useUserFolder(QStringLiteral("second"));
+  EXPECT_EQ(run("sys.import_script_archive", withFile(archive)).toStringList().size(), 4);
+  EXPECT_EQ(readFile(QDir(user).filePath(QStringLiteral("fine.png"))), QByteArray("fine icon"));
+  EXPECT_EQ(readFile(QDir(user).filePath(QStringLiteral("missing.meta.json"))).contains("Missing"), true);
+}
+
 TEST_F(ArchiveTest, ExistingAndRunningScriptsAreNotReplaced)
 {
   add(QStringLiteral("a.py"), "print('from the archive')\n");
@@ -191,13 +296,17 @@ TEST_F(ArchiveTest, ImportScriptCopiesFilesUnderTheirNewNames)
   parameters.set(QStringLiteral("replace_existing_scripts"), true);
   EXPECT_TRUE(failure("sys.import_script", parameters).isEmpty());
 
-  parameters.set(QStringLiteral("config_level"), 0);
+  parameters.set(QStringLiteral("config_level"), QStringLiteral("system"));
   EXPECT_EQ(failure("sys.import_script", parameters),
             QStringLiteral("MSysScriptErr-0006|The system level of the script database is read-only."));
-  parameters.set(QStringLiteral("config_level"), 2);
+  parameters.set(QStringLiteral("config_level"), QStringLiteral("admin"));
+  EXPECT_EQ(failure("sys.import_script", parameters),
+            QStringLiteral("GAppErr-0002|config_level takes a configuration level: 0, 1, 2 or system, public, user"));
+  parameters.set(QStringLiteral("config_level"), QStringLiteral("user"));
   parameters.set(QStringLiteral("names"), QVariantList{QStringLiteral("../escape")});
   EXPECT_EQ(failure("sys.import_script", parameters),
-            QStringLiteral("MSysScriptErr-0006|'../escape.py' is not a valid script name."));
+            QStringLiteral("MSysScriptErr-0006|'../escape.py' is not a valid script name: a part of it is empty, "
+                           "'.' or '..'."));
 }
 
 TEST(ScriptArchiveFormat, KeepsEveryByteAndRejectsDuplicates)

@@ -236,6 +236,31 @@ TEST_F(ScriptDatabaseTest, CommandsFollowNewRenamedAndDeletedScripts)
   EXPECT_EQ(group->getCommands(), QStringList{QStringLiteral("userscript.tools.second")});
 }
 
+// Names that differ only in characters a command name cannot hold each keep a command; the one
+// that needs no change has the plain name, whatever else is there.
+TEST_F(ScriptDatabaseTest, ScriptsWhoseNamesCollideEachKeepACommand)
+{
+  const std::vector<std::pair<const char*, const char*>> expected = {{"my tools/x.py", "userscript.my_tools.x_2"},
+                                                                     {"my-tools/x.py", "userscript.my_tools.x_3"},
+                                                                     {"my_tools/x.py", "userscript.my_tools.x"},
+                                                                     {"a.b.py", "userscript.a_b_3"},
+                                                                     {"a b.py", "userscript.a_b"},
+                                                                     {"a_b_2.py", "userscript.a_b_2"}};
+  for (const auto& [file, name] : expected)
+    add(GScript::LEVEL_USER, QString::fromUtf8(file), "pass\n");
+  refresh();
+  for (const auto& [file, name] : expected) {
+    SCOPED_TRACE(name);
+    ScriptCommand* script_command = command(QString::fromUtf8(name));
+    ASSERT_NE(script_command, nullptr);
+    EXPECT_EQ(script_command->getScriptFileName(), QString::fromUtf8(file));
+  }
+  auto* group = dynamic_cast<GApp::ToolBarGroupCommand*>(
+      CommandContainer::getInstance().getCommand(QStringLiteral("scriptgroup.my_tools")));
+  ASSERT_NE(group, nullptr);
+  EXPECT_EQ(group->getCommands().size(), 3) << "folders that share a group name share the group";
+}
+
 TEST_F(ScriptDatabaseTest, TitlesNameTheLevelOnlyForScriptsWithAnIcon)
 {
   QImage image(8, 8, QImage::Format_ARGB32);

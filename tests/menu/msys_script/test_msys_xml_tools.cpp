@@ -205,7 +205,8 @@ TEST(XmlEnumeration, ReadKeepsTheDefaultWhenAbsentAndNamesWordAndTag)
   EXPECT_EQ(fruit.get(), Fruit::Apple);
   const auto [message, line] = faultOf([&] { fruit.read(document.documentElement(), QStringLiteral("bad")); });
   EXPECT_EQ(message, QStringLiteral("The type \"Apple\" is invalid for tag \"bad\"."));
-  EXPECT_EQ(line, 1);
+  // The fault is the tag's own, not its parent's.
+  EXPECT_EQ(line, 2);
   EXPECT_EQ(fruit.get(), Fruit::Apple);
 }
 

@@ -156,6 +156,36 @@ TEST_F(CfgTest, ValuesOfItemsNobodyDeclaredAreKept)
   EXPECT_EQ(saved.value(QStringLiteral("T/UInt")).toInt(), 5);
 }
 
+TEST_F(CfgTest, AnOlderCopyInMemoryDoesNotUndoANewerChangeOnDisk)
+{
+  // An editor holds the configuration from its start; meanwhile another process sets values.
+  Cfg older(file());
+  declareAll(older.root());
+  ASSERT_TRUE(older.load());
+  {
+    Cfg newer(file());
+    declareAll(newer.root());
+    ASSERT_TRUE(newer.load());
+    ASSERT_TRUE(newer.setValue(QStringLiteral("T/UInt"), 8));
+    ASSERT_TRUE(newer.setValue(QStringLiteral("T/Double"), 0.5));
+    ASSERT_TRUE(newer.save());
+  }
+  ASSERT_TRUE(older.setValue(QStringLiteral("T/Double"), 0.25));  // the later change of one item wins
+  ASSERT_TRUE(older.setValue(QStringLiteral("T/Bool"), false));
+  QString error;
+  ASSERT_TRUE(older.save(&error)) << qPrintable(error);
+
+  Cfg fresh(file());
+  declareAll(fresh.root());
+  ASSERT_TRUE(fresh.load());
+  EXPECT_EQ(fresh.root()->getUInt(QStringLiteral("T/UInt")), 8u);
+  EXPECT_EQ(fresh.root()->getDouble(QStringLiteral("T/Double")), 0.25);
+  EXPECT_FALSE(fresh.root()->getBool(QStringLiteral("T/Bool")));
+  EXPECT_EQ(older.root()->getUInt(QStringLiteral("T/UInt")), 8u) << "the saving copy is brought up to date";
+  EXPECT_FALSE(older.isModified());
+  EXPECT_FALSE(QFile::exists(file() + QStringLiteral(".lock")));
+}
+
 TEST_F(CfgTest, DamagedFileIsKeptAsideReportedAndDefaultsStay)
 {
   QDir().mkpath(dir.filePath(QStringLiteral("zut")));

@@ -18,7 +18,10 @@ namespace {
 class RecordingCommand : public Command
 {
 public:
-  explicit RecordingCommand(const QString& name, bool fail = false) : Command(name), _fail(fail) {}
+  explicit RecordingCommand(const QString& name, bool fail = false) : Command(name), _fail(fail)
+  {
+    getMetaInfo().setArgumentTypes({{QStringLiteral("value"), CommandMetaInfo::TYPE_ANY, QString()}});
+  }
   void execute(const CommandParameters& parameters) override
   {
     ++runs;
@@ -154,6 +157,46 @@ TEST(Command, RunClearsTheResultAndInteractiveRunsMayAskOrBeCancelled)
   const int runs = command.runs;
   EXPECT_FALSE(command.run(CommandParameters(), true).isValid());
   EXPECT_EQ(command.runs, runs);
+}
+
+TEST(Command, ArgumentsItDoesNotDeclareAreRefusedByName)
+{
+  RecordingCommand command(QStringLiteral("test.strict"));
+  CommandParameters parameters;
+  parameters.set(QStringLiteral("valeu"), QVariant(7));
+  for (bool interactive : {false, true}) {
+    try {
+      command.run(parameters, interactive);
+      ADD_FAILURE() << "an unknown argument was accepted";
+    } catch (const CommandError& error) {
+      EXPECT_EQ(error.getText(), QStringLiteral("GAppErr-0002: Invalid command argument\n"
+                                                "test.strict has no argument 'valeu'; its arguments are value"));
+    }
+  }
+  EXPECT_EQ(command.runs, 0);
+  ToolBarGroupCommand group(QStringLiteral("test.group"));
+  EXPECT_EQ(group.checkArgumentNames(parameters), QStringLiteral("test.group has no argument 'valeu'; it takes none"));
+}
+
+TEST(Command, ConfigurationLevelsAreNumbersOrNames)
+{
+  const std::vector<std::pair<QVariant, int>> good = {{QVariant(0), 0},
+                                                      {QVariant(qlonglong(2)), 2},
+                                                      {QVariant(1.0), 1},
+                                                      {QVariant(QStringLiteral("system")), 0},
+                                                      {QVariant(QStringLiteral("public")), 1},
+                                                      {QVariant(QStringLiteral("user")), 2}};
+  for (const auto& [value, expected] : good) {
+    int level = -1;
+    EXPECT_TRUE(CommandMetaInfo::readConfigLevel(value, level)) << qPrintable(value.toString());
+    EXPECT_EQ(level, expected);
+  }
+  for (const QVariant& bad : {QVariant(3), QVariant(-1), QVariant(1.5), QVariant(QStringLiteral("User")),
+                              QVariant(QStringLiteral("1")), QVariant()}) {
+    int level = -1;
+    EXPECT_FALSE(CommandMetaInfo::readConfigLevel(bad, level)) << qPrintable(bad.toString());
+    EXPECT_EQ(level, -1);
+  }
 }
 
 TEST(CommandError, TextHasCodeMessageAndLog)

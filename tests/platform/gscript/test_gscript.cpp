@@ -31,7 +31,10 @@ namespace {
 class NestedRunCommand : public GApp::Command
 {
 public:
-  NestedRunCommand() : Command(QStringLiteral("test.nested.run")) {}
+  NestedRunCommand() : Command(QStringLiteral("test.nested.run"))
+  {
+    getMetaInfo().setArgumentTypes({{QStringLiteral("code"), GApp::CommandMetaInfo::TYPE_STRING, QString(), true}});
+  }
   void execute(const GApp::CommandParameters& parameters) override
   {
     depths.push_back(PythonInterpreter::getInterpreterStack().size());
@@ -48,7 +51,11 @@ public:
 class EchoCommand : public GApp::Command
 {
 public:
-  EchoCommand() : Command(QStringLiteral("test.echo")) {}
+  EchoCommand() : Command(QStringLiteral("test.echo"))
+  {
+    getMetaInfo().setArgumentTypes({{QStringLiteral("value"), GApp::CommandMetaInfo::TYPE_ANY, QString()},
+                                    {QStringLiteral("fail"), GApp::CommandMetaInfo::TYPE_BOOLEAN, QString()}});
+  }
   void execute(const GApp::CommandParameters& parameters) override
   {
     if (parameters.contains(QStringLiteral("fail"))) {
@@ -161,10 +168,13 @@ TEST_F(GScriptTest, ScriptsCallCommandsWithKeywordsAndGetTheirResults)
                                           "print(repr(zut.script.test.echo(value={'a': [1, 2.5, None, True]})))\n"
                                           "print(zut.script.test.echo())\n"
                                           "print(zut.script.test.echo(value='Grüße'))\n"
-                                          "print('echo' in dir(zut.script.test), zut.script.test)\n"),
+                                          "print('echo' in dir(zut.script.test), zut.script.test)\n"
+                                          "shared = [1]\n"
+                                          "print(zut.script.test.echo(value=[shared, (shared,)], fail=None))\n"),
                            QString(), true);
   ASSERT_TRUE(ok.ok) << qPrintable(ok.log);
-  EXPECT_EQ(ok.output, QStringLiteral("{'a': [1, 2.5, None, True]}\nNone\nGrüße\nTrue <zut.script.test>\n"));
+  EXPECT_EQ(ok.output,
+            QStringLiteral("{'a': [1, 2.5, None, True]}\nNone\nGrüße\nTrue <zut.script.test>\n[[1], [[1]]]\n"));
 }
 
 // Colours and dates travel as zut.Color and datetime.date, in both directions.
@@ -208,7 +218,19 @@ TEST_F(GScriptTest, MisuseFromPythonRaisesPythonErrors)
         Case{"zut.script.test.echo(1)", "TypeError: zut.script.test.echo() takes keyword arguments only"},
         Case{"zut.script.test.echo(value=object())", "TypeError: cannot pass an object of type 'object'"},
         Case{"zut.script.test.echo(value={1: 2})", "TypeError: dictionary keys passed to a command"},
-        Case{"zut.script.test.echo(value=2**70)", "TypeError: integer too large"}}) {
+        Case{"zut.script.test.echo(value=2**70)", "TypeError: integer too large"},
+        Case{"zut.script.test.echo(value={1, 2})", "TypeError: cannot pass an object of type 'set'"},
+        Case{"zut.script.test.echo(value=[b'1'])", "TypeError: cannot pass an object of type 'bytes'"},
+        Case{"v = []\nv.append(v)\nzut.script.test.echo(value=v)",
+             "ValueError: cannot pass a list that contains itself"},
+        Case{"d = {}\nd['d'] = [d]\nzut.script.test.echo(value=d)",
+             "ValueError: cannot pass a dict that contains itself"},
+        Case{"v = []\nfor _ in range(50000): v = [v]\nzut.script.test.echo(value=v)",
+             "ValueError: cannot pass a value nested deeper than 1000 levels"},
+        Case{"zut.script.test.echo(valeu=1, value={1})",
+             "TypeError: test.echo has no argument 'valeu'; its arguments are value, fail"},
+        Case{"zut.script.test.nested.run(cod='', x=1)",
+             "TypeError: test.nested.run has no arguments 'cod', 'x'; its arguments are code"}}) {
     const RunResult failed = run(QStringLiteral("import zut\n") + QString::fromLatin1(c.code));
     EXPECT_FALSE(failed.ok);
     EXPECT_TRUE(failed.log.contains(QString::fromLatin1(c.error))) << c.code << "\n" << qPrintable(failed.log);
@@ -269,6 +291,8 @@ TEST(PythonValues, RoundTripAndLiterals)
   EXPECT_EQ(parsed, QVariant(QVariantMap{{QStringLiteral("a"), QVariantList{qlonglong(1), qlonglong(2)}}}));
   EXPECT_FALSE(PythonInterpreter::parseLiteral(QStringLiteral("hello"), parsed));
   EXPECT_FALSE(PythonInterpreter::parseLiteral(QStringLiteral("__import__('os')"), parsed));
+  for (const char* refused : {"{1, 2}", "b'1'", "[18446744073709551616]"})
+    EXPECT_THROW(PythonInterpreter::parseLiteral(QString::fromLatin1(refused), parsed), GApp::CommandError) << refused;
   EXPECT_EQ(PythonInterpreter::repr(QVariantList{1, QStringLiteral("a")}), QStringLiteral("[1, 'a']"));
 }
 

@@ -1,0 +1,91 @@
+#include "menu/msys_script/msys_dialog_widget_tools.h"
+
+#include <QHBoxLayout>
+
+#include "core/python_string.h"
+#include "core/translate.h"
+#include "menu/msys_script/msys_error_codes.h"
+
+namespace Vel::MSysScript::WidgetTools {
+
+QString editorError(const char* text)
+{
+  return translate("MSysScript_DialogEditor_err", text, "");
+}
+
+QString attributeText(const char* text)
+{
+  return translate("MSysScript_Dialog_other", text, "");
+}
+
+QString panelText(const char* text)
+{
+  return translate("MSysScript_DialogEditor_widget", text, "");
+}
+
+QString otherText(const char* text)
+{
+  return translate("MSysScript_DialogEditor_other", text, "");
+}
+
+void throwTypeError()
+{
+  throw ScriptTypeException(errorText("The value has not the expected type."));
+}
+
+bool isInteger(const QVariant& value)
+{
+  switch (value.typeId()) {
+    case QMetaType::Int:
+    case QMetaType::UInt:
+    case QMetaType::LongLong:
+    case QMetaType::ULongLong: return true;
+    default: return false;
+  }
+}
+
+bool boolArg(const QVariant& value)
+{
+  if (value.typeId() != QMetaType::Bool && !isInteger(value))
+    throwTypeError();
+  return value.toBool();
+}
+
+QString textArg(const QVariant& value)
+{
+  if (value.typeId() != QMetaType::QString)
+    throwTypeError();
+  return value.toString();
+}
+
+QString boolText(bool value)
+{
+  return value ? QStringLiteral("True") : QStringLiteral("False");
+}
+
+QString nameText(const DialogWidget* widget)
+{
+  return escapePythonString(widget->getName());
+}
+
+AttributeInfo row(const QString& name, const char* type, const char* description)
+{
+  return {name, QString::fromLatin1(type), attributeText(description), false};
+}
+
+std::vector<AttributeInfo> withValueType(std::vector<AttributeInfo> rows, const char* valueType)
+{
+  for (AttributeInfo& info : rows)
+    if (info.name == DialogWidget::TAG_VALUE)
+      info.type_name = QString::fromLatin1(valueType);
+  return rows;
+}
+
+QHBoxLayout* innerLayout(QWidget* widget)
+{
+  auto* layout = new QHBoxLayout(widget);
+  layout->setContentsMargins(0, 0, 0, 0);
+  return layout;
+}
+
+}  // namespace Vel::MSysScript::WidgetTools

@@ -1,0 +1,278 @@
+#include "menu/msys_script/msys_dlg_user_defined.h"
+
+#include <QApplication>
+#include <QGridLayout>
+#include <QPushButton>
+#include <QScreen>
+#include <QShowEvent>
+#include <QTimer>
+#include <QVBoxLayout>
+
+#include "gapp/app_status_manager.h"
+#include "gapp/main_window.h"
+#include "gtools/dialog_widget_supplier.h"
+#include "menu/msys_script/msys_dialog_controls.h"
+#include "menu/msys_script/msys_dialog_styles.h"
+
+namespace Vel::MSysScript {
+
+namespace {
+
+std::map<int, UserDefinedDialog*>& dialogMap()
+{
+  static std::map<int, UserDefinedDialog*> dialogs;
+  return dialogs;
+}
+
+UserDefinedDialog::Responder& responder()
+{
+  static UserDefinedDialog::Responder current;
+  return current;
+}
+
+UserDefinedDialog::Watcher& watcher()
+{
+  static UserDefinedDialog::Watcher current;
+  return current;
+}
+
+int nextId()
+{
+  static int last = 0;
+  return ++last;
+}
+
+}  // namespace
+
+UserDefinedDialog::UserDefinedDialog(const QString& content)
+    : QDialog(GTools::DialogWidgetSupplierInterface::getInstance()
+                  ? GTools::DialogWidgetSupplierInterface::getInstance()->getDialogParent()
+                  : nullptr),
+      _definition(DialogDefinition::read(content, DialogWidget::DialogMode::RunTime)),
+      _id(nextId()),
+      _timer(new QTimer(this))
+{
+  setObjectName(QStringLiteral("VelMSysScript_UserDefinedDialog"));
+  setWindowTitle(_definition->header.title);
+  setAttribute(Qt::WA_DeleteOnClose, false);
+
+  // The style's sheet reaches every element through the one widget that holds them all.
+  auto* outer = new QVBoxLayout(this);
+  outer->setContentsMargins(0, 0, 0, 0);
+  auto* body = new DialogStyleWidget(this);
+  body->setObjectName(QStringLiteral("_body"));
+  if (const DialogStyle* style = DialogStyleDatabase::findStyle(_definition->header.style))
+    body->setStyleSheet(style->getStyleSheet());
+  outer->addWidget(body);
+  auto* layout = new QVBoxLayout(body);
+  auto* grid = new QGridLayout;
+  grid->setObjectName(QStringLiteral("_grid"));
+  layout->addLayout(grid, 1);
+  for (const DialogDefinition::Cell& cell : _definition->getCells()) {
+    grid->addWidget(cell.widget, cell.row, cell.column, cell.row_span, cell.column_span);
+    connect(cell.widget, &DialogWidget::signalModified, this, &UserDefinedDialog::slotElementModified);
+  }
+
+  const DialogControlCreator* creator = DialogRegistry::getRegistry()->getControlCreator(_definition->header.control_id);
+  _control = creator->createControl();
+  _control->setParent(body);
+  layout->addWidget(_control);
+  connect(_control, &DialogControl::signalAccept, this, &QDialog::accept);
+  connect(_control, &DialogControl::signalReject, this, &QDialog::reject);
+  connect(_control, &DialogControl::signalControlEvent, this,
+          [this](const QString& event) { Q_EMIT signalChanged(nullptr, event); });
+  if (QPushButton* button = _control->getDefaultButton())
+    button->setDefault(true);
+
+  _timer->setObjectName(QStringLiteral("timer"));
+  connect(_timer, &QTimer::timeout, this, [this] { Q_EMIT signalChanged(nullptr, QStringLiteral("timer")); });
+
+  dialogMap()[_id] = this;
+}
+
+UserDefinedDialog::~UserDefinedDialog()
+{
+  dialogMap().erase(_id);
+}
+
+void UserDefinedDialog::setResponder(Responder responder)
+{
+  Vel::MSysScript::responder() = std::move(responder);
+}
+
+const UserDefinedDialog::Responder& UserDefinedDialog::getResponder()
+{
+  return responder();
+}
+
+void UserDefinedDialog::setWatcher(Watcher watcher)
+{
+  Vel::MSysScript::watcher() = std::move(watcher);
+}
+
+void UserDefinedDialog::starting()
+{
+  _command_depth = GApp::AppStatusManager::getActiveMenuCommandDepth();
+  if (_started)
+    return;
+  _started = true;
+  if (watcher())
+    watcher()(this);
+}
+
+UserDefinedDialog* UserDefinedDialog::find(int id)
+{
+  const auto found = dialogMap().find(id);
+  return found == dialogMap().end() || found->second->_closed ? nullptr : found->second;
+}
+
+int UserDefinedDialog::getOpenCount()
+{
+  int count = 0;
+  for (const auto& entry : dialogMap())
+    count += entry.second->_closed ? 0 : 1;
+  return count;
+}
+
+QVariant UserDefinedDialog::run()
+{
+  starting();
+  exec();
+  return _result;
+}
+
+void UserDefinedDialog::openModeless()
+{
+  starting();
+  show();
+}
+
+void UserDefinedDialog::closeWithResult(const std::optional<QVariant>& result)
+{
+  _script_result = result;
+  // Without a result of the script's the dialog keeps its own.
+  if (isVisible())
+    done(this->result());
+  else
+    finish();
+}
+
+bool UserDefinedDialog::canCloseNow() const
+{
+  const QWidget* modal = QApplication::activeModalWidget();
+  if (modal && modal != this && isAncestorOf(modal))
+    return false;
+  for (const QObject* child : children())
+    if (const auto* dialog = qobject_cast<const QDialog*>(child); dialog && dialog->isVisible())
+      return false;
+  return GApp::AppStatusManager::getActiveMenuCommandDepth() <= _command_depth + 1;
+}
+
+void UserDefinedDialog::failWith(std::exception_ptr fault)
+{
+  if (!_fault)
+    _fault = fault;
+  if (isVisible())
+    done(QDialog::Rejected);
+  else
+    finish();
+}
+
+std::exception_ptr UserDefinedDialog::takeFault()
+{
+  return std::exchange(_fault, nullptr);
+}
+
+void UserDefinedDialog::setAsPerson(DialogWidget* widget, const QVariant& value)
+{
+  // Reported once, whether or not the element's own control reports programmatic changes.
+  setFromScript(widget, DialogWidget::TAG_VALUE, value);
+  slotElementModified(widget);
+}
+
+void UserDefinedDialog::setFromScript(DialogWidget* widget, const QString& name, const QVariant& value)
+{
+  ++_script_assignments;
+  try {
+    widget->__setattr__(name, value);
+  } catch (...) {
+    --_script_assignments;
+    throw;
+  }
+  --_script_assignments;
+}
+
+void UserDefinedDialog::done(int code)
+{
+  QDialog::done(code);
+  if (!_script_result)
+    _result = code == QDialog::Accepted;
+  finish();
+}
+
+void UserDefinedDialog::finish()
+{
+  if (_closed)
+    return;
+  if (_script_result)
+    _result = *_script_result;
+  _closed = true;
+  _timer->stop();
+  hide();
+  Q_EMIT signalClosed(_id);
+}
+
+void UserDefinedDialog::showEvent(QShowEvent* event)
+{
+  QDialog::showEvent(event);
+  if (_initialized)
+    return;
+  _initialized = true;
+  // Placed once the window has its frame, so that the frame, not only the contents, fits.
+  place();
+  Q_EMIT signalChanged(nullptr, QStringLiteral("initialize"));
+}
+
+void UserDefinedDialog::slotElementModified(DialogWidget* element)
+{
+  if (_script_assignments == 0 && !_closed)
+    Q_EMIT signalChanged(element, QString());
+}
+
+// Size and place as the definition says, within the screen the dialog appears on.
+void UserDefinedDialog::place()
+{
+  const DialogHeader& header = _definition->header;
+  adjustSize();
+  if (header.size_mode.get() == DialogSizeMode::Fixed && header.size.isValid())
+    setFixedSize(header.size);
+  else if (header.size.isValid())
+    resize(header.size.expandedTo(minimumSizeHint()));
+
+  QScreen* screen = parentWidget() ? parentWidget()->screen() : QGuiApplication::primaryScreen();
+  if (!screen)
+    return;
+  const QRect area = screen->availableGeometry();
+  if (header.size_mode.get() == DialogSizeMode::Maximized) {
+    const QRect inner = geometry();
+    const QRect outer = frameGeometry();
+    setGeometry(area.marginsRemoved(QMargins(inner.left() - outer.left(), inner.top() - outer.top(),
+                                             outer.right() - inner.right(), outer.bottom() - inner.bottom())));
+    return;
+  }
+  QRect frame(QPoint(0, 0), frameGeometry().size());
+  switch (header.position.get()) {
+    case DialogPosition::Automatic: return;
+    case DialogPosition::Center: frame.moveCenter(area.center()); break;
+    case DialogPosition::Left: frame.moveCenter(area.center()); frame.moveLeft(area.left()); break;
+    case DialogPosition::Right: frame.moveCenter(area.center()); frame.moveRight(area.right()); break;
+    case DialogPosition::Bottom: frame.moveCenter(area.center()); frame.moveBottom(area.bottom()); break;
+    case DialogPosition::TopLeft: frame.moveTopLeft(area.topLeft()); break;
+    case DialogPosition::TopRight: frame.moveTopRight(area.topRight()); break;
+    case DialogPosition::BottomLeft: frame.moveBottomLeft(area.bottomLeft()); break;
+    case DialogPosition::BottomRight: frame.moveBottomRight(area.bottomRight()); break;
+  }
+  move(frame.topLeft() + (pos() - frameGeometry().topLeft()));
+}
+
+}  // namespace Vel::MSysScript
