@@ -20,6 +20,7 @@
 #include "gapp/module_loader.h"
 #include "gapp/trait.h"
 #include "gscript/python_interpreter.h"
+#include "gscript/safe_points.h"
 #include "gscript/script_database.h"
 #include "zut_host.h"
 #include "zut_signals.h"
@@ -115,7 +116,7 @@ int runCommand(const QString& name, const Vel::GApp::CommandParameters& paramete
                                                                   {QStringLiteral("message"), error.getMessage()},
                                                                   {QStringLiteral("log"), error.getLog().getText()}}}});
     printErr(error.getText() + QLatin1Char('\n'));
-    return EXIT_FAILED;
+    return error.getCode() == QLatin1String(Vel::GScript::ERR_SCRIPT_ABORTED) ? EXIT_INTERRUPTED : EXIT_FAILED;
   } catch (const Vel::ProgError& error) {
     printErr(QStringLiteral("zut: internal error: %1\n").arg(QString::fromUtf8(error.what())));
     return EXIT_FAILED;

@@ -9,7 +9,9 @@ enum ExitCode
 {
   EXIT_OK = 0,
   EXIT_FAILED = 1,
-  EXIT_USAGE = 2
+  EXIT_USAGE = 2,
+  // The script ended with KeyboardInterrupt (Ctrl+C), as python3 reports it.
+  EXIT_INTERRUPTED = 130
 };
 
 struct SubCommand

@@ -5,6 +5,7 @@
 #include <csignal>
 
 #include "gapp/command.h"
+#include "gscript/safe_points.h"
 #include "gtools/error_dialog.h"
 #include "zut_commands.h"
 #include "zut_host.h"
@@ -35,6 +36,17 @@ QString help(const SubCommand& sub_command)
   return QStringLiteral("Usage: zut %1 %2\n\n%3\n")
       .arg(QString::fromLatin1(sub_command.name), QString::fromLatin1(sub_command.synopsis),
            QString::fromLatin1(sub_command.help));
+}
+
+// Ctrl+C is a KeyboardInterrupt in the running script, which runs its finally blocks; the
+// program then exits with 130. Outside a script, or when the script has not reached a safe
+// point since the last Ctrl+C (it waits in C code), the signal ends the program as usual.
+void interrupt(int signal_number)
+{
+  if (Vel::GScript::SafePoints::requestAbortFromSignal())
+    return;
+  std::signal(signal_number, SIG_DFL);
+  std::raise(signal_number);
 }
 
 }  // namespace
@@ -88,6 +100,15 @@ int main(int argc, char* argv[])
   QApplication application(argc, argv);
   QApplication::setApplicationName(QStringLiteral("zut"));
   ZutHost host;
+  // As python3 does, an ignored SIGINT (a job started in the background) stays ignored.
+  struct sigaction action = {};
+  sigaction(SIGINT, nullptr, &action);
+  if (action.sa_handler == SIG_DFL) {
+    action.sa_handler = interrupt;
+    sigemptyset(&action.sa_mask);
+    action.sa_flags = SA_RESTART;
+    sigaction(SIGINT, &action, nullptr);
+  }
   if (sub_command->needs_module && !host.start())
     return EXIT_FAILED;
   int status = EXIT_FAILED;

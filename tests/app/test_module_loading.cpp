@@ -7,6 +7,7 @@
 #include "core/error_message_container.h"
 #include "core/prog_error.h"
 #include "gapp/app_status_manager.h"
+#include "gapp/command.h"
 #include "gapp/command_container.h"
 #include "gapp/module_loader.h"
 #include "test_util.h"
@@ -34,6 +35,12 @@ TEST(ModuleLoading, HostLoadsTheBuiltModuleAndDrivesItsLifecycle)
 
   EXPECT_TRUE(loader.initScriptDatabase());
   EXPECT_TRUE(loader.updateRegisteredCommands());
+
+  // The module's delay, as the host runs it between commands.
+  const std::unique_ptr<CommandParameters> delay = loader.createParameterDelay(0.01);
+  ASSERT_NE(delay, nullptr);
+  EXPECT_EQ(delay->get(QStringLiteral("time")).getValue(), QVariant(0.01));
+  EXPECT_NO_THROW(CommandContainer::getInstance().getCommand(QStringLiteral("sys.delay_script"))->run(*delay, false));
 
   // A program error inside an exported function reaches the host as a ProgError.
   try {

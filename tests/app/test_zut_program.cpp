@@ -668,3 +668,29 @@ TEST_F(ZutProgram, ABrokenPipeIsAnErrorTheScriptCatches)
   EXPECT_EQ(program.exitCode(), 0);
   EXPECT_EQ(QString::fromUtf8(program.readAllStandardError()), QStringLiteral("caught\n"));
 }
+
+// A script in a tight loop is stopped as under python3: Ctrl+C, or the test timeout that the
+// script set, is a KeyboardInterrupt; its finally block runs and the program exits with 130.
+TEST_F(ZutProgram, ATightLoopStopsOnCtrlCAndOnTheTestTimeout)
+{
+  const QByteArray loop =
+      "try:\n    print('looping', flush=True)\n    while True:\n        pass\nfinally:\n    print('finally ran')\n";
+  QProcess interrupted;
+  start(interrupted, {QStringLiteral("run"), file("loop.py", loop)});
+  ASSERT_TRUE(interrupted.waitForReadyRead(60000));
+  ::kill(pid_t(interrupted.processId()), SIGINT);
+  ASSERT_TRUE(interrupted.waitForFinished(60000));
+  EXPECT_EQ(interrupted.exitStatus(), QProcess::NormalExit);
+  EXPECT_EQ(interrupted.exitCode(), 130);
+  EXPECT_EQ(QString::fromUtf8(interrupted.readAllStandardOutput()), QStringLiteral("looping\nfinally ran\n"));
+  EXPECT_TRUE(
+      QString::fromUtf8(interrupted.readAllStandardError()).endsWith(QStringLiteral("\nKeyboardInterrupt\n")));
+
+  const Result timed_out = zut({QStringLiteral("exec"),
+                                QStringLiteral("import zut\nzut.script.sys.set_test_timeout(timeout=0.2)\n") +
+                                    QString::fromUtf8(loop)});
+  EXPECT_EQ(timed_out.status, 130);
+  EXPECT_EQ(timed_out.out, QStringLiteral("looping\nfinally ran\n"));
+  EXPECT_TRUE(timed_out.err.contains(QStringLiteral("KeyboardInterrupt: test timeout of 0.2 s expired")))
+      << qPrintable(timed_out.err);
+}

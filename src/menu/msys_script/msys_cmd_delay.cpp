@@ -1,10 +1,15 @@
 #include "menu/msys_script/msys_cmd_delay.h"
 
 #include <QCoreApplication>
-#include <QDeadlineTimer>
+#include <QElapsedTimer>
 #include <QThread>
 
+#include <algorithm>
 #include <cmath>
+
+#include "gapp/progress.h"
+#include "gscript/safe_points.h"
+#include "menu/msys_script/msys_error_codes.h"
 
 namespace Vel::MSysScript {
 
@@ -19,15 +24,32 @@ void DelayCommand::execute(const GApp::CommandParameters& parameters)
 {
   const double seconds = getArgument<double>(parameters, QStringLiteral("time"));
   if (!std::isfinite(seconds) || seconds < 0)
-    throw GApp::CommandError(QStringLiteral("command argument 'time' must be a number of seconds not below 0"));
+    failCommand(
+        ERR_PARSE_PARAMETERS,
+        QStringLiteral("command argument 'time' must be a finite number of seconds not below 0, not %1").arg(seconds));
 
-  // Events keep being processed: the GUI stays alive and timers of open dialogs fire.
-  QDeadlineTimer deadline(qint64(std::llround(seconds * 1000.0)));
-  while (!deadline.hasExpired()) {
-    if (QCoreApplication::instance())
-      QCoreApplication::processEvents(QEventLoop::AllEvents, int(std::min<qint64>(deadline.remainingTime(), 50)));
-    QThread::msleep(std::min<qint64>(deadline.remainingTime(), 5));
+  // Milliseconds as a double: a time longer than any clock (1e19 s) waits until the script is
+  // stopped instead of overflowing into no wait at all.
+  const double total_ms = seconds * 1000.0;
+  GApp::Progress& progress = GApp::Progress::getInstance();
+  QElapsedTimer clock;
+  clock.start();
+  for (double passed = 0; passed < total_ms; passed = double(clock.elapsed())) {
+    progress.report(passed / 1000.0, seconds);
+    // While a script waits, the GUI stays alive and the wait can be aborted; outside a
+    // script, events are processed all the same.
+    QString reason;
+    if (GScript::SafePoints::poll(&reason)) {
+      ErrorLog log;
+      log.addLine(reason.isEmpty() ? QStringLiteral("KeyboardInterrupt")
+                                   : QStringLiteral("KeyboardInterrupt: %1").arg(reason));
+      throw GApp::CommandError(QString::fromLatin1(GScript::ERR_SCRIPT_ABORTED), log);
+    }
+    if (!GScript::SafePoints::isScriptRunning() && QCoreApplication::instance())
+      QCoreApplication::processEvents();
+    QThread::msleep(ulong(std::clamp(total_ms - double(clock.elapsed()), 0.0, 5.0)));
   }
+  progress.report(seconds, seconds);
 }
 
 }  // namespace Vel::MSysScript

@@ -4,7 +4,8 @@
 
 namespace Vel::MSysScript {
 
-// "sys.delay_script": waits the given number of seconds while the application stays responsive.
+// "sys.delay_script": waits the given number of seconds while the application stays responsive;
+// reports the share of the time that has passed, and stops when the running script is aborted.
 class DelayCommand : public MSysCommand
 {
 public:

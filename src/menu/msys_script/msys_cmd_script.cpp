@@ -2,12 +2,15 @@
 
 #include <algorithm>
 #include <map>
+#include <optional>
 
 #include "core/prog_error.h"
 #include "core/translate.h"
 #include "gapp/app_status_manager.h"
 #include "gapp/command_container.h"
+#include "gapp/custom_toolbar_container.h"
 #include "gscript/execute.h"
+#include "gscript/gui_handler.h"
 #include "gscript/python_interpreter.h"
 #include "gscript/script_database.h"
 #include "gtools/icon_cache.h"
@@ -50,6 +53,14 @@ public:
 private:
   QString _file_name;
 };
+
+// The refusal of a too deep nesting, reported once: each level that unwinds passes it on rather
+// than adding its own traceback of the same error.
+std::optional<ErrorLog>& recursionReport()
+{
+  static std::optional<ErrorLog> report;
+  return report;
+}
 
 }  // namespace
 
@@ -132,6 +143,7 @@ void ScriptCommand::update(const GScript::ScriptDatabase& database)
       group = new GApp::ToolBarGroupCommand(entry.first);
     group->setCommands(entry.second);
   }
+  GApp::CustomToolBarContainer::getInstance().update();
   container.updateAllActions();
 }
 
@@ -150,24 +162,33 @@ void ScriptCommand::execute(const GApp::CommandParameters& parameters)
           errorText("A script is called which is currently being recorded: '%1'", "id=10050").arg(_qualified_name));
   }
 
-  if (GScript::PythonInterpreter::getInterpreterStack().size() > size_t(MAX_RECURSION_DEPTH))
-    failCommand(ERR_RECURSION_DEPTH, translate("MSysScript_err",
-                                               "Maximum recursion depth of %1 iterations exceeded. Please use python "
-                                               "functions for true recursive code",
-                                               "id=10051")
-                                         .arg(MAX_RECURSION_DEPTH));
+  if (GScript::PythonInterpreter::getInterpreterStack().size() > size_t(MAX_RECURSION_DEPTH)) {
+    ErrorLog report(translate("MSysScript_err",
+                              "Maximum recursion depth of %1 iterations exceeded. Please use python functions for "
+                              "true recursive code",
+                              "id=10051")
+                        .arg(MAX_RECURSION_DEPTH));
+    QStringList chain(PythonScriptDatabase::begin(), PythonScriptDatabase::end());
+    chain << _script_file_name;
+    report.addLine(QStringLiteral("Script calls: %1").arg(chain.join(QStringLiteral(" -> "))));
+    recursionReport() = report;
+    failCommand(ERR_RECURSION_DEPTH, report);
+  }
 
   DatabaseLock database;
   QString text;
+  ErrorLog load_log;
   if (database) {
-    ErrorLog ignored;
-    if (GScript::Script* loaded = database->createLoadedScript(_script_file_name, ignored)) {
+    if (GScript::Script* loaded = database->createLoadedScript(_script_file_name, load_log)) {
       text = loaded->getCode();
       delete loaded;
     }
   }
-  if (text.isEmpty())
-    failCommand(ERR_EXECUTE_SCRIPT, errorText("No script found for command '%1'", "id=10052").arg(getName()));
+  if (text.isEmpty()) {
+    log.addLine(errorText("No script found for command '%1'", "id=10052").arg(getName()));
+    log.append(load_log);
+    failCommand(ERR_EXECUTE_SCRIPT, log);
+  }
 
   GScript::Execute run(text);
   const bool collect = applyRunArguments(parameters, run);
@@ -175,11 +196,20 @@ void ScriptCommand::execute(const GApp::CommandParameters& parameters)
   bool success = false;
   {
     RunningScript running(_script_file_name, this);
+    GScript::CursorDisabler cursor;
+    // Tracebacks name the script as the database knows it, wherever its level lies on disk;
+    // its __file__ stays the file on disk.
     run.setFileName(database->getScript(_script_file_name)->getPath());
+    run.setCodeName(_script_file_name);
     success = run.execute(0, GScript::Execute::FLAG_MAIN, code, log);
   }
   if (collect)
     setResult(run.getCollectedOutput());
+  const bool outermost = PythonScriptDatabase::begin() == PythonScriptDatabase::end();
+  if (!success && code == QLatin1String(ERR_RECURSION_DEPTH) && recursionReport())
+    log = *recursionReport();
+  if (outermost)
+    recursionReport().reset();
   if (!success)
     throw GApp::CommandError(code, log);
 }

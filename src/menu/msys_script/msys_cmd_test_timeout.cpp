@@ -2,10 +2,9 @@
 
 #include <cmath>
 
+#include "gscript/safe_points.h"
+
 namespace Vel::MSysScript {
-namespace {
-double test_timeout = 0.0;
-}
 
 SetTestTimeoutCommand::SetTestTimeoutCommand()
     : MSysCommand(
@@ -18,12 +17,12 @@ void SetTestTimeoutCommand::execute(const GApp::CommandParameters& parameters)
   const double timeout = getArgument<double>(parameters, QStringLiteral("timeout"));
   if (!std::isfinite(timeout) || timeout < 0)
     throw GApp::CommandError(QStringLiteral("command argument 'timeout' must be a number of seconds not below 0"));
-  test_timeout = timeout;
+  GScript::SafePoints::setTimeout(timeout);
 }
 
 double SetTestTimeoutCommand::getTimeout()
 {
-  return test_timeout;
+  return GScript::SafePoints::getTimeout();
 }
 
 }  // namespace Vel::MSysScript

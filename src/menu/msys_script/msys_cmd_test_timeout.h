@@ -4,7 +4,9 @@
 
 namespace Vel::MSysScript {
 
-// "sys.set_test_timeout": the time that script tests may take before they count as hanging.
+// "sys.set_test_timeout": the time that script tests may take before they count as hanging. A
+// script running longer (counted from this call, or from the start of each later run) gets
+// KeyboardInterrupt; 0 switches the timeout off.
 class SetTestTimeoutCommand : public MSysCommand
 {
 public:

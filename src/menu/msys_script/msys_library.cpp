@@ -25,6 +25,7 @@
 #include "menu/msys_script/msys_dialog_answers.h"
 #include "menu/msys_script/msys_dialog_definition.h"
 #include "menu/msys_script/msys_dialog_widgets.h"
+#include "menu/msys_script/msys_dlg_break.h"
 #include "menu/msys_script/msys_dlg_user_defined.h"
 #include "menu/msys_script/msys_error_codes.h"
 #include "menu/msys_script/msys_exit_notifier.h"
@@ -88,6 +89,7 @@ void InitLibrary(Vel::CfgNode* root)
     declareTemplateConfiguration(root);
     registerErrorCodes();
     installDatabaseImportHandler();
+    GScript::SafePoints::setObserver(&BreakDialogObserver::getInstance());
   });
 }
 
@@ -99,13 +101,13 @@ void CloseLibrary()
 void InitDefaults()
 {
   guarded("InitDefaults", [] {
-    DialogRegistry::initialize();
     GApp::AppStatusManager::registerExitNotifier(&ExitNotifier::getInstance());
     ScriptSpecialMenuProvider::initialize();
     if (!squish_proxy) {
       squish_proxy = new QObject(QCoreApplication::instance());
       squish_proxy->setObjectName(QStringLiteral("SquishProxy"));
     }
+    DialogRegistry::initialize();
   });
 }
 
@@ -281,6 +283,13 @@ char* DescribeDialog(const char* text, const char* screenshot, int json, int* fa
     result = qstrdup(output.toUtf8().constData());
   });
   return result;
+}
+
+GApp::CommandParameters* CreateParameterDelay(double seconds)
+{
+  auto* parameters = new GApp::CommandParameters;
+  parameters->set(QStringLiteral("time"), seconds);
+  return parameters;
 }
 
 void FreeAnalysis(char* analysis)

@@ -5,6 +5,9 @@
 namespace Vel {
 class CfgNode;
 }
+namespace Vel::GApp {
+class CommandParameters;
+}
 
 // The functions through which the host drives the module. C linkage: the host resolves them by
 // name, and no exception crosses them (a program error is handed to the host's reporter).
@@ -17,6 +20,9 @@ VEL_EXPORT void CloseDefaults();
 VEL_EXPORT void InitScriptDatabase();
 VEL_EXPORT void CloseScriptDatabase();
 VEL_EXPORT void UpdateRegisteredCommands();
+// A delay as the host runs it between commands: the arguments of "sys.delay_script" for a wait
+// of `seconds` (checked when the command runs). The host owns the object.
+VEL_EXPORT Vel::GApp::CommandParameters* CreateParameterDelay(double seconds);
 // For the program's tools: the foldable blocks ("blocks") or the colour runs ("highlight") of a
 // Python text (UTF-8), as text or JSON. The result is released with FreeAnalysis; null for an
 // unknown request.

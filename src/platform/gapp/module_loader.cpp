@@ -4,6 +4,7 @@
 #include <QDir>
 
 #include "core/prog_error.h"
+#include "gapp/command.h"
 
 namespace Vel::GApp {
 
@@ -106,6 +107,17 @@ bool ModuleLoader::updateRegisteredCommands()
     return false;
   call(_update_registered_commands);
   return true;
+}
+
+std::unique_ptr<CommandParameters> ModuleLoader::createParameterDelay(double seconds)
+{
+  using Function = CommandParameters* (*)(double);
+  const auto create = reinterpret_cast<Function>(_library.resolve("CreateParameterDelay"));
+  if (!create)
+    return nullptr;
+  std::unique_ptr<CommandParameters> parameters(create(seconds));
+  raiseReported();
+  return parameters;
 }
 
 }  // namespace Vel::GApp

@@ -3,6 +3,8 @@
 #include <QLibrary>
 #include <QString>
 
+#include <memory>
+
 #include "core/vel_export.h"
 
 namespace Vel {
@@ -10,6 +12,8 @@ class CfgNode;
 }
 
 namespace Vel::GApp {
+
+class CommandParameters;
 
 // Loads an application module (a plug-in library) and calls its exported functions. The module
 // is never linked: everything is resolved by name. A program error that the module reports
@@ -39,6 +43,9 @@ public:
   bool initScriptDatabase();
   bool closeScriptDatabase();
   bool updateRegisteredCommands();
+  // The arguments of the module's delay command for a wait of `seconds`, made by the module
+  // (CreateParameterDelay); null when the module exports no such function.
+  std::unique_ptr<CommandParameters> createParameterDelay(double seconds);
   // Any other function the module exports; null when it has none of that name.
   QFunctionPointer resolve(const char* name) { return _library.resolve(name); }
 

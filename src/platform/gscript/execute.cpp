@@ -6,6 +6,7 @@
 
 #include "gscript/python_interpreter.h"
 #include "gscript/python_values.h"
+#include "gscript/safe_points.h"
 
 namespace py = pybind11;
 
@@ -213,7 +214,7 @@ bool handleException(py::error_already_set& error, QString& error_code, ErrorLog
 
   const py::module_ zut = py::module_::import("zut");
   const py::object command_error = zut.attr("CommandError");
-  error_code = QString::fromLatin1(ERR_SCRIPT_FAILED);
+  error_code = QString::fromLatin1(error.matches(PyExc_KeyboardInterrupt) ? ERR_SCRIPT_ABORTED : ERR_SCRIPT_FAILED);
   if (PyObject_IsInstance(error.value().ptr(), command_error.ptr()) == 1)
     error_code = QString::fromStdString(error.value().attr("code").cast<std::string>());
 
@@ -261,6 +262,7 @@ bool Execute::execute(int /*gui_mode*/, int flags, QString& error_code, ErrorLog
 {
   PythonInterpreter::initialize();
   StackLevel level(this);
+  SafePoints::Run safe_points;
   _collected.clear();
 
   bool success = true;
@@ -274,7 +276,8 @@ bool Execute::execute(int /*gui_mode*/, int flags, QString& error_code, ErrorLog
         parameters[py::str(it.key().toStdString())] = fromVariant(it.value());
       globals["PARAMETERS"] = parameters;
 
-      const std::string file_name = _file_name.isEmpty() ? std::string("<string>") : _file_name.toStdString();
+      const QString& name = _code_name.isEmpty() ? _file_name : _code_name;
+      const std::string file_name = name.isEmpty() ? std::string("<string>") : name.toStdString();
       const py::object source = _from_source ? py::object(py::bytes(_source.constData(), size_t(_source.size())))
                                              : py::object(py::str(_code.toStdString()));
       const py::object compiled =

@@ -49,10 +49,12 @@ public:
   const QString& getFileName() const { return _file_name; }
   // What follows the file name in sys.argv while a run with a file name runs.
   void setArguments(const QStringList& arguments) { _arguments = arguments; }
+  // The name tracebacks give the text instead of its file name (a database script's name).
+  void setCodeName(const QString& code_name) { _code_name = code_name; }
 
-  // Runs the text. `gui_mode` 0 runs without progress or abort interface (the only mode of
-  // this host). On failure returns false, sets `error_code` and adds the traceback to `log`; a
-  // failure that came from a command the script called keeps that command's code.
+  // Runs the text. Every run has safe points (window events, abort; see SafePoints); `gui_mode`
+  // changes nothing here. On failure returns false, sets `error_code` and adds the traceback to
+  // `log`; a failure that came from a command the script called keeps that command's code.
   bool execute(int gui_mode, int flags, QString& error_code, ErrorLog& log);
 
   const QString& getCollectedOutput() const { return _collected; }
@@ -63,6 +65,7 @@ private:
   bool _from_source = false;
   QString _file_name;
   QStringList _arguments;
+  QString _code_name;
   QMap<QString, QVariant> _parameters;
   bool _collect_stdout = false;
   bool _collect_stderr = false;

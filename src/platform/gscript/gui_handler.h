@@ -1,5 +1,8 @@
 #pragma once
 
+#include <QCursor>
+#include <QList>
+
 #include "core/vel_export.h"
 
 namespace Vel::GScript {
@@ -17,6 +20,20 @@ public:
 private:
   GUIHandler() = default;
   bool _escape = false;
+};
+
+// Takes the application's busy cursor away while a script runs, so that the person can work with
+// the dialogs the script shows, and puts it back afterwards.
+class VEL_EXPORT CursorDisabler
+{
+public:
+  CursorDisabler();
+  ~CursorDisabler();
+  CursorDisabler(const CursorDisabler&) = delete;
+  CursorDisabler& operator=(const CursorDisabler&) = delete;
+
+private:
+  QList<QCursor> _cursors;  // the override cursors taken away, innermost first
 };
 
 }  // namespace Vel::GScript

@@ -9,8 +9,10 @@
 #include "core/error_message_container.h"
 #include "core/prog_error.h"
 #include "gapp/command.h"
+#include "gapp/main_window.h"
 #include "gscript/execute.h"
 #include "gscript/python_values.h"
+#include "gscript/safe_points.h"
 
 namespace py = pybind11;
 
@@ -58,6 +60,9 @@ void PythonInterpreter::initialize()
                     QStringLiteral("Python interpreter already finalized"));
 
   ErrorMessageContainer::registerError(ERR_SCRIPT_FAILED, QStringLiteral("Python script failed"));
+  ErrorMessageContainer::registerError(ERR_SCRIPT_ABORTED, QStringLiteral("Python script aborted"));
+  // The abort buttons and the break dialog stop the running script at its next safe point.
+  GApp::MainWindow::setAbortHandler([] { SafePoints::requestAbort(); });
 
   PyConfig config;
   PyConfig_InitPythonConfig(&config);
@@ -86,6 +91,7 @@ void PythonInterpreter::finalize()
   if (!getInterpreterStack().empty())
     throw ProgError(QStringLiteral("finalize"), QStringLiteral("python_interpreter"),
                     QStringLiteral("Python interpreter finalized while a script runs"));
+  SafePoints::stopTimer();
   py::finalize_interpreter();
   state = State::Finished;
 }

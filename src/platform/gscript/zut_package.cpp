@@ -3,12 +3,16 @@
 
 #include <pybind11/embed.h>
 
+#include <cmath>
+
 #include "core/prog_error.h"
 #include "core/script_type.h"
 #include "gapp/command.h"
 #include "gapp/command_container.h"
+#include "gapp/progress.h"
 #include "gscript/import_handler.h"
 #include "gscript/python_values.h"
+#include "gscript/safe_points.h"
 
 namespace py = pybind11;
 
@@ -47,6 +51,33 @@ CommandNamespace attribute(const CommandNamespace& self, const std::string& name
   throw py::error_already_set();
 }
 
+// An aborted command, or a script run that was aborted inside it, stops the calling script
+// too: every level of nested runs unwinds. The reason (the last line of an inner traceback,
+// "KeyboardInterrupt: test timeout ...") goes along.
+[[noreturn]] void raiseInterrupt(const ErrorLog& log)
+{
+  const QStringList lines = log.getText().split(QLatin1Char('\n'), Qt::SkipEmptyParts);
+  QString reason = lines.isEmpty() ? QString() : lines.last();
+  if (reason.startsWith(QLatin1String("KeyboardInterrupt"))) {
+    reason = reason.mid(int(qstrlen("KeyboardInterrupt")));
+    if (reason.startsWith(QLatin1String(": ")))
+      reason = reason.mid(2);
+  }
+  if (reason.isEmpty())
+    PyErr_SetNone(PyExc_KeyboardInterrupt);
+  else
+    PyErr_SetString(PyExc_KeyboardInterrupt, reason.toUtf8().constData());
+  throw py::error_already_set();
+}
+
+// zut.progress(done, total, text=""): the script's own progress, shown by progress displays.
+void progress(double done, double total, const std::string& text)
+{
+  if (!std::isfinite(done) || !std::isfinite(total) || total <= 0 || done < 0 || done > total)
+    throw py::value_error("zut.progress() needs 0 <= done <= total and a finite total above 0");
+  GApp::Progress::getInstance().report(done, total, QString::fromStdString(text));
+}
+
 py::object call(const CommandNamespace& self, const py::args& args, const py::kwargs& kwargs)
 {
   GApp::Command* command = GApp::CommandContainer::getInstance().getCommand(QString::fromStdString(self.prefix));
@@ -72,6 +103,8 @@ py::object call(const CommandNamespace& self, const py::args& args, const py::kw
   try {
     return fromVariant(command->run(parameters, self.interactive));
   } catch (const GApp::CommandError& error) {
+    if (error.getCode() == QLatin1String(ERR_SCRIPT_ABORTED))
+      raiseInterrupt(error.getLog());
     raise("CommandError", py::make_tuple(error.getCode().toStdString(), error.getMessage().toStdString(),
                                          error.getLog().getText().toStdString()));
   } catch (const ScriptTypeException& error) {
@@ -254,6 +287,8 @@ PYBIND11_EMBEDDED_MODULE(zut, m)
   Vel::GScript::registerColorType(m);
   m.attr("script") = CommandNamespace{std::string(), false};
   m.attr("interactive") = CommandNamespace{std::string(), true};
+  m.def("progress", &Vel::GScript::progress, py::arg("done"), py::arg("total"), py::arg("text") = "",
+        "Reports the script's progress: done of total, and what is being done.");
   m.def("_import_names", &Vel::GScript::importNames);
   m.def("_import_source", &Vel::GScript::importSource);
   py::exec(Vel::GScript::IMPORT_HOOK, m.attr("__dict__"));

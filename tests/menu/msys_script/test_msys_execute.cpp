@@ -1,16 +1,23 @@
 #include <QDir>
 #include <QElapsedTimer>
 #include <QFile>
+#include <QPushButton>
+#include <QSignalSpy>
 #include <QTemporaryDir>
+#include <QTest>
 #include <QTimer>
 
 #include <gtest/gtest.h>
 
 #include "gapp/app_status_manager.h"
 #include "gapp/command_container.h"
+#include "gapp/progress.h"
 #include "gscript/python_interpreter.h"
+#include "gscript/safe_points.h"
 #include "menu/msys_script/msys_cmd_base.h"
 #include "menu/msys_script/msys_cmd_test_timeout.h"
+#include "menu/msys_script/msys_config.h"
+#include "menu/msys_script/msys_dlg_break.h"
 #include "msys_fixture.h"
 #include "test_util.h"
 
@@ -214,6 +221,7 @@ TEST_F(ExecuteTest, DelayWaitsWhileEventsAreProcessed)
 {
   bool fired = false;
   QTimer::singleShot(20, [&] { fired = true; });
+  QSignalSpy progress(&GApp::Progress::getInstance(), &GApp::Progress::signalProgressChanged);
   CommandParameters parameters;
   parameters.set(QStringLiteral("time"), 0.15);
   QElapsedTimer clock;
@@ -221,6 +229,14 @@ TEST_F(ExecuteTest, DelayWaitsWhileEventsAreProcessed)
   command("sys.delay_script")->run(parameters, false);
   EXPECT_GE(clock.elapsed(), 150);
   EXPECT_TRUE(fired);
+  // The share of the time passed, growing from 0 to all of it.
+  ASSERT_GE(progress.size(), 3);
+  EXPECT_EQ(progress.first().value(0).toDouble(), 0.0);
+  EXPECT_EQ(progress.last().value(0).toDouble(), 0.15);
+  for (int i = 1; i < progress.size(); ++i) {
+    EXPECT_LE(progress[i - 1].value(0).toDouble(), progress[i].value(0).toDouble());
+    EXPECT_EQ(progress[i].value(1).toDouble(), 0.15);
+  }
 
   parameters.set(QStringLiteral("time"), -1.0);
   EXPECT_FALSE(failure("sys.delay_script", parameters).isEmpty());
@@ -235,4 +251,58 @@ TEST_F(ExecuteTest, TestTimeoutIsStored)
   parameters.set(QStringLiteral("timeout"), QStringLiteral("soon"));
   EXPECT_FALSE(failure("sys.set_test_timeout", parameters).isEmpty());
   EXPECT_DOUBLE_EQ(SetTestTimeoutCommand::getTimeout(), 90.0);
+  parameters.set(QStringLiteral("timeout"), 0.0);
+  command("sys.set_test_timeout")->run(parameters, false);
+}
+
+// Times that are no wait are refused with the module's code; one longer than any clock waits
+// until the test timeout stops the script.
+TEST_F(ExecuteTest, DelayRefusesTimesThatAreNoWaitAndWaitsOutHugeOnes)
+{
+  CommandParameters parameters;
+  parameters.set(QStringLiteral("code"), QStringLiteral("import zut\n"
+                                                        "zut.script.sys.set_test_timeout(timeout=0.2)\n"
+                                                        "for t in [float('inf'), float('nan'), -1]:\n"
+                                                        "    try:\n"
+                                                        "        zut.script.sys.delay_script(time=t)\n"
+                                                        "    except zut.CommandError as error:\n"
+                                                        "        print(error.code, error.log)\n"
+                                                        "try:\n"
+                                                        "    zut.script.sys.delay_script(time=1e19)\n"
+                                                        "except KeyboardInterrupt as interrupt:\n"
+                                                        "    print('interrupted:', interrupt)\n"
+                                                        "zut.script.sys.set_test_timeout(timeout=0)\n"));
+  parameters.set(QStringLiteral("collect_stdout"), true);
+  const QString refused = QStringLiteral(
+      "MSysScriptErr-0010 command argument 'time' must be a finite number of seconds not below 0, not %1\n");
+  EXPECT_EQ(command("sys.execute_python_code")->run(parameters, false).toString(),
+            refused.arg(QStringLiteral("inf")) + refused.arg(QStringLiteral("nan")) + refused.arg(-1) +
+                QStringLiteral("interrupted: test timeout of 0.2 s expired\n"));
+}
+
+TEST_F(ExecuteTest, BreakDialogOffersStopOnceAScriptInTheGuiRunsLong)
+{
+  ASSERT_TRUE(startedModule().root()->setValue(QString::fromLatin1(CFG_BREAK_DIALOG_TIMEOUT), 1.0));
+  QWidget window;  // the application's window: a script in the GUI
+  window.show();
+  bool clicked = false;
+  QTimer poll;
+  QObject::connect(&poll, &QTimer::timeout, [&] {
+    BreakDialog* dialog = BreakDialogObserver::getInstance().getDialog();
+    if (dialog && dialog->isVisible() && !clicked) {
+      clicked = true;
+      EXPECT_TRUE(dialog->getStopButton()->isEnabled());
+      QTest::mouseClick(dialog->getStopButton(), Qt::LeftButton);
+    }
+  });
+  poll.start(50);
+  GScript::SafePoints::setTimeout(10);  // should the dialog never come
+  CommandParameters parameters;
+  parameters.set(QStringLiteral("code"), QStringLiteral("while True:\n    pass\n"));
+  const QString error = failure("sys.execute_python_code", parameters);
+  GScript::SafePoints::setTimeout(0);
+  EXPECT_TRUE(clicked);
+  EXPECT_EQ(error, QStringLiteral("GScriptErr-0002|Traceback (most recent call last):\n"
+                                  "  File \"<string>\", line 1, in <module>\nKeyboardInterrupt"));
+  EXPECT_EQ(BreakDialogObserver::getInstance().getDialog(), nullptr);
 }

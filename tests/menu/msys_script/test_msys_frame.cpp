@@ -12,8 +12,10 @@
 #include "gtools/error_dialog.h"
 #include "menu/msys_script/msys_cmd_test_timeout.h"
 #include "menu/msys_script/msys_config.h"
+#include "menu/msys_script/msys_dialog_widgets.h"
 #include "menu/msys_script/msys_error_codes.h"
 #include "menu/msys_script/msys_exit_notifier.h"
+#include "menu/msys_script/msys_library.h"
 #include "menu/msys_script/msys_script_menu_provider.h"
 #include "msys_fixture.h"
 
@@ -332,4 +334,24 @@ TEST_F(ModuleTest, ExitNotifierAsksOnlyInKioskModeAndNotWhenSilent)
   VelInit::setKioskMode(false);
   GTools::setQuestionHandler(nullptr);
   EXPECT_TRUE(notifier.canExit());
+}
+
+// The dialog registry is the last of the four start-up steps: when an earlier one fails, it is
+// not filled. Needs a process in which the module's defaults were never initialised.
+TEST(ModuleDefaults, DialogRegistryIsInitialisedLast)
+{
+  if (ScriptSpecialMenuProvider::getInstance() ||
+      DialogRegistry::getRegistry()->getWidgetCreator(QStringLiteral("input::number")))
+    GTEST_SKIP() << "the module's defaults were initialised earlier in this process";
+  ScriptSpecialMenuProvider::initialize();
+  MSysScript::InitDefaults();
+  ProgError reported{QString(), QString(), QString()};
+  ASSERT_TRUE(takeReportedProgError(reported));
+  EXPECT_EQ(reported.getMessage(), QStringLiteral("Singleton, only one instance allowed"));
+  EXPECT_EQ(DialogRegistry::getRegistry()->getWidgetCreator(QStringLiteral("input::number")), nullptr);
+  ScriptSpecialMenuProvider::deinitialize();
+  MSysScript::InitDefaults();
+  EXPECT_FALSE(takeReportedProgError(reported));
+  EXPECT_NE(DialogRegistry::getRegistry()->getWidgetCreator(QStringLiteral("input::number")), nullptr);
+  MSysScript::CloseDefaults();
 }

@@ -1,17 +1,22 @@
 #include <QDir>
 #include <QFile>
+#include <QGuiApplication>
 #include <QImage>
 #include <QMenu>
 #include <QTemporaryDir>
+#include <QTimer>
+#include <QToolBar>
 
 #include <gtest/gtest.h>
 
 #include "core/prog_error.h"
 #include "core/python_string.h"
 #include "gapp/command_container.h"
+#include "gapp/custom_toolbar_container.h"
 #include "gapp/main_window.h"
 #include "gscript/import_handler.h"
 #include "gscript/python_interpreter.h"
+#include "gscript/safe_points.h"
 #include "gscript/script_database.h"
 #include "gtools/error_dialog.h"
 #include "menu/msys_script/msys_cmd_editor.h"
@@ -298,7 +303,8 @@ TEST_F(ScriptDatabaseTest, ScriptCommandsRunWithParametersAndOutputSwitches)
   QFile::remove(QDir(root(GScript::LEVEL_USER)).filePath(QStringLiteral("hello.py")));
   const CommandError missing = failure(QStringLiteral("userscript.hello"));
   EXPECT_EQ(missing.getCode(), QStringLiteral("MSysScriptErr-0004"));
-  EXPECT_EQ(missing.getLog().getText(), QStringLiteral("No script found for command 'userscript.hello'"));
+  EXPECT_EQ(missing.getLog().lines().value(0), QStringLiteral("No script found for command 'userscript.hello'"))
+      << qPrintable(missing.getLog().getText());
 }
 
 TEST_F(ScriptDatabaseTest, SelfCallingScriptStopsBeyondTenInterpreters)
@@ -322,6 +328,69 @@ TEST_F(ScriptDatabaseTest, SelfCallingScriptStopsBeyondTenInterpreters)
   // The call made with ten interpreters running ran; the one made with eleven was refused.
   EXPECT_TRUE(readFile(log_file).endsWith("\n10\n11\n")) << readFile(log_file).constData();
   EXPECT_TRUE(GScript::PythonInterpreter::getInterpreterStack().empty());
+  // Reported once, with the chain of calls, not once more by every level that unwinds.
+  QStringList chain;
+  for (int i = 0; i < 12; ++i)  // the eleven that ran and the refused one
+    chain << QStringLiteral("recurse.py");
+  EXPECT_EQ(error.getLog().getText().count(QStringLiteral("Maximum recursion depth")), 1);
+  EXPECT_EQ(error.getLog().lines().value(1), QStringLiteral("Script calls: ") + chain.join(QStringLiteral(" -> ")))
+      << qPrintable(error.getLog().getText());
+}
+
+TEST_F(ScriptDatabaseTest, FailuresNameTheScriptAsTheDatabaseKnowsItAndSayWhy)
+{
+  const QString path = add(GScript::LEVEL_USER, QStringLiteral("tools/fail.py"), "x = 1\nraise ValueError('bad')\n");
+  refresh();
+  const QString log = failure(QStringLiteral("userscript.tools.fail")).getLog().getText();
+  EXPECT_TRUE(log.contains(QStringLiteral("File \"tools/fail.py\", line 2, in <module>"))) << qPrintable(log);
+
+  QFile::remove(path);
+  const CommandError missing = failure(QStringLiteral("userscript.tools.fail"));
+  EXPECT_EQ(missing.getLog().lines().value(0), QStringLiteral("No script found for command 'userscript.tools.fail'"));
+  EXPECT_GE(missing.getLog().lines().size(), 2) << qPrintable(missing.getLog().getText());
+}
+
+// A script stopped three levels down unwinds every level: each one's finally runs, and the
+// locks, the running scripts and the interpreters are back where they started.
+TEST_F(ScriptDatabaseTest, AnAbortedNestedScriptUnwindsEveryLevel)
+{
+  const QString trace = dir.filePath(QStringLiteral("finally.txt"));
+  for (const char* name : {"a", "b", "c"}) {
+    const QString next = QString::fromLatin1(name) == QLatin1String("a") ? QStringLiteral("zut.script.userscript.b()")
+                         : QString::fromLatin1(name) == QLatin1String("b")
+                             ? QStringLiteral("zut.script.userscript.c()")
+                             : QStringLiteral("while True:\n        pass");
+    add(GScript::LEVEL_USER, QStringLiteral("%1.py").arg(QLatin1String(name)),
+        QStringLiteral("import zut\n"
+                       "try:\n"
+                       "    %1\n"
+                       "except zut.CommandError:\n"
+                       "    pass\n"
+                       "finally:\n"
+                       "    open(%2, 'a').write('%3')\n")
+            .arg(next, Vel::quotePythonString(trace), QLatin1String(name))
+            .toUtf8());
+  }
+  refresh();
+  const int locks = PythonScriptDatabase::getLockCount();
+  QGuiApplication::setOverrideCursor(Qt::WaitCursor);
+  bool busy_cursor_off = false;
+  QTimer::singleShot(100, [&] {
+    busy_cursor_off = QGuiApplication::overrideCursor() == nullptr;
+    EXPECT_EQ(PythonScriptDatabase::getLockCount(), locks + 3);
+    GApp::MainWindow::requestAbort();
+  });
+  const CommandError error = failure(QStringLiteral("userscript.a"));
+  EXPECT_EQ(error.getCode(), QLatin1String(GScript::ERR_SCRIPT_ABORTED));
+  EXPECT_EQ(readFile(trace), QByteArray("cba"));
+  EXPECT_EQ(PythonScriptDatabase::getLockCount(), locks);
+  EXPECT_EQ(PythonScriptDatabase::begin(), PythonScriptDatabase::end());
+  EXPECT_TRUE(GScript::PythonInterpreter::getInterpreterStack().empty());
+  // The busy cursor is off while the scripts run and back afterwards.
+  EXPECT_TRUE(busy_cursor_off);
+  ASSERT_NE(QGuiApplication::overrideCursor(), nullptr);
+  EXPECT_EQ(QGuiApplication::overrideCursor()->shape(), Qt::WaitCursor);
+  QGuiApplication::restoreOverrideCursor();
 }
 
 TEST_F(ScriptDatabaseTest, TheScriptBeingRecordedCannotBeCalled)
@@ -389,6 +458,25 @@ TEST_F(ScriptDatabaseTest, ScriptsMenuOffersTheScriptsThatShowInMenus)
                                          QStringLiteral("  userscript.my_tools.grüße")}));
   if (!qEnvironmentVariableIsEmpty("ZUT_SCREENSHOT_DIR"))
     menu.grab().save(qEnvironmentVariable("ZUT_SCREENSHOT_DIR") + QStringLiteral("/scripts_menu.png"));
+}
+
+TEST_F(ScriptDatabaseTest, ToolBarsOfAFolderFollowItsScripts)
+{
+  add(GScript::LEVEL_USER, QStringLiteral("tools/a.py"), "pass\n");
+  refresh();
+  QToolBar tool_bar;
+  GApp::CustomToolBarContainer::getInstance().addToolBar(&tool_bar,
+                                                         ScriptDatabase::makeGroupCommandName(QStringLiteral("tools")));
+  const auto buttons = [&] {
+    QStringList names;
+    for (const QAction* action : tool_bar.actions())
+      names << action->objectName();
+    return names;
+  };
+  EXPECT_EQ(buttons(), QStringList{QStringLiteral("userscript.tools.a")});
+  add(GScript::LEVEL_USER, QStringLiteral("tools/b.py"), "pass\n");
+  refresh();
+  EXPECT_EQ(buttons(), (QStringList{QStringLiteral("userscript.tools.a"), QStringLiteral("userscript.tools.b")}));
 }
 
 TEST_F(ScriptDatabaseTest, ARunningScriptKeepsItsCommandUntilItEnds)

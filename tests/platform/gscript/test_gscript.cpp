@@ -1,16 +1,25 @@
 #include <pybind11/embed.h>
 
 #include <QDate>
+#include <QPushButton>
+#include <QSignalSpy>
+#include <QTest>
+#include <QTimer>
 #include <QVariant>
 
+#include <functional>
 #include <gtest/gtest.h>
+#include <thread>
 #include <vector>
 
 #include "core/color.h"
 #include "gapp/command.h"
+#include "gapp/main_window.h"
+#include "gapp/progress.h"
 #include "gscript/execute.h"
 #include "gscript/python_interpreter.h"
 #include "gscript/python_values.h"
+#include "gscript/safe_points.h"
 
 using namespace Vel;
 using namespace Vel::GScript;
@@ -171,21 +180,22 @@ TEST_F(GScriptTest, ScriptsCallCommandsWithKeywordsAndGetTheirResults)
 // Colours and dates travel as zut.Color and datetime.date, in both directions.
 TEST_F(GScriptTest, ColoursAndDatesCrossIntoPythonAndBack)
 {
-  const RunResult ok = run(QStringLiteral("import zut, datetime\n"
-                                          "c = zut.script.test.echo(value=zut.Color(255, 16, 1, alpha=0))\n"
-                                          "print(repr(c), c.red, c.green, c.blue, c.alpha, c == zut.Color(255, 16, 1, 0))\n"
-                                          "print(repr(zut.Color(1, 2, 3)), len({zut.Color(), zut.Color(0, 0, 0)}))\n"
-                                          "print(repr(zut.script.test.echo(value=datetime.date(2024, 2, 29))))\n"
-                                          "for bad in ((256, 0, 0), (0, -1, 0)):\n"
-                                          "    try:\n"
-                                          "        zut.Color(*bad)\n"
-                                          "    except ValueError as e:\n"
-                                          "        print(e)\n"
-                                          "try:\n"
-                                          "    c.red = 3\n"
-                                          "except AttributeError:\n"
-                                          "    print('read-only')\n"),
-                           QString(), true);
+  const RunResult ok =
+      run(QStringLiteral("import zut, datetime\n"
+                         "c = zut.script.test.echo(value=zut.Color(255, 16, 1, alpha=0))\n"
+                         "print(repr(c), c.red, c.green, c.blue, c.alpha, c == zut.Color(255, 16, 1, 0))\n"
+                         "print(repr(zut.Color(1, 2, 3)), len({zut.Color(), zut.Color(0, 0, 0)}))\n"
+                         "print(repr(zut.script.test.echo(value=datetime.date(2024, 2, 29))))\n"
+                         "for bad in ((256, 0, 0), (0, -1, 0)):\n"
+                         "    try:\n"
+                         "        zut.Color(*bad)\n"
+                         "    except ValueError as e:\n"
+                         "        print(e)\n"
+                         "try:\n"
+                         "    c.red = 3\n"
+                         "except AttributeError:\n"
+                         "    print('read-only')\n"),
+          QString(), true);
   ASSERT_TRUE(ok.ok) << qPrintable(ok.log);
   EXPECT_EQ(ok.output, QStringLiteral("zut.Color ('#ff100100') 255 16 1 0 True\n"
                                       "zut.Color ('#010203ff') 1\n"
@@ -284,4 +294,101 @@ TEST(PythonValues, RoundTripAndLiterals)
   for (const char* refused : {"{1, 2}", "b'1'", "[18446744073709551616]"})
     EXPECT_THROW(PythonInterpreter::parseLiteral(QString::fromLatin1(refused), parsed), GApp::CommandError) << refused;
   EXPECT_EQ(PythonInterpreter::repr(QVariantList{1, QStringLiteral("a")}), QStringLiteral("[1, 'a']"));
+}
+
+// Every way of stopping a script reaches a tight loop through the safe points: the script gets
+// KeyboardInterrupt, its finally block runs, and the run fails with the abort code.
+TEST(SafePoints, EveryAbortStopsATightLoopAndItsFinallyRuns)
+{
+  QWidget window;
+  auto* button = new QPushButton(QStringLiteral("Abort"), &window);
+  GApp::MainWindow::addAbortButton(button);
+  window.show();
+  bool enabled_while_running = false;
+
+  struct Case
+  {
+    const char* name;
+    std::function<void()> abort;
+    const char* last_log_line;
+  };
+  const std::vector<Case> cases = {
+      {"abort button",
+       [&] {
+         enabled_while_running = button->isEnabled();
+         QTest::mouseClick(button, Qt::LeftButton);
+       },
+       "KeyboardInterrupt"},
+      {"another thread", [] { std::thread([] { SafePoints::requestAbort(); }).join(); }, "KeyboardInterrupt"},
+      {"Ctrl+C", [] { EXPECT_TRUE(SafePoints::requestAbortFromSignal()); }, "KeyboardInterrupt"},
+      {"test timeout", [] { SafePoints::setTimeout(0.05); }, "KeyboardInterrupt: test timeout of 0.05 s expired"},
+  };
+  for (const Case& c : cases) {
+    SCOPED_TRACE(c.name);
+    EXPECT_FALSE(button->isEnabled());
+    const int requests = GApp::MainWindow::getAbortRequestCount();
+    // The timer fires at a safe point of the running loop: window events are processed.
+    QTimer::singleShot(50, c.abort);
+    const RunResult result =
+        run(QStringLiteral("try:\n    while True:\n        pass\nfinally:\n    print('finally')\n"), QString(), true);
+    SafePoints::setTimeout(0);
+    EXPECT_FALSE(result.ok);
+    EXPECT_EQ(result.code, QLatin1String(ERR_SCRIPT_ABORTED));
+    EXPECT_EQ(result.log.section(QLatin1Char('\n'), -1), QLatin1String(c.last_log_line)) << qPrintable(result.log);
+    EXPECT_EQ(result.output, QStringLiteral("finally\n"));
+    EXPECT_EQ(GApp::MainWindow::getAbortRequestCount() - requests, std::string(c.name) == "abort button" ? 1 : 0);
+    EXPECT_FALSE(SafePoints::isScriptRunning());
+  }
+  EXPECT_TRUE(enabled_while_running);
+  EXPECT_FALSE(button->isEnabled());
+
+  // An abort asked for while nothing runs is dropped, and so is a Ctrl+C: it ends the program.
+  SafePoints::requestAbort();
+  EXPECT_FALSE(SafePoints::requestAbortFromSignal());
+  EXPECT_TRUE(run(QStringLiteral("x = sum(range(100000))")).ok);
+}
+
+TEST(SafePoints, NestedRunsUnwindEveryLevelAndTheScriptMayCatchTheInterrupt)
+{
+  NestedRunCommand nested;
+  QTimer::singleShot(50, [] { GApp::MainWindow::requestAbort(); });
+  const RunResult result = run(
+      QStringLiteral(
+          "import zut\n"
+          "try:\n"
+          "    zut.script.test.nested.run(code='import zut\\nzut.script.test.nested.run(code=\"while True: pass\")')\n"
+          "except zut.CommandError:\n"
+          "    print('not a command error')\n"
+          "except KeyboardInterrupt:\n"
+          "    print('interrupted')\n"),
+      QString(), true);
+  EXPECT_TRUE(result.ok) << qPrintable(result.log);
+  EXPECT_EQ(result.output, QStringLiteral("interrupted\n"));
+  EXPECT_EQ(nested.depths, (std::vector<size_t>{1, 2}));
+  EXPECT_TRUE(PythonInterpreter::getInterpreterStack().empty());
+}
+
+TEST(SafePoints, ScriptsReportProgressThroughTheHostUntilTheRunEnds)
+{
+  GApp::Progress& progress = GApp::Progress::getInstance();
+  QSignalSpy changed(&progress, &GApp::Progress::signalProgressChanged);
+  QSignalSpy cleared(&progress, &GApp::Progress::signalProgressCleared);
+  const RunResult result =
+      run(QStringLiteral("import zut\n"
+                         "zut.progress(1, 4, 'first')\n"
+                         "zut.progress(done=3, total=4)\n"
+                         "for bad in [(1, 0), (-1, 4), (5, 4), (float('nan'), 4), (1, float('inf'))]:\n"
+                         "    try:\n"
+                         "        zut.progress(*bad)\n"
+                         "        print('accepted', bad)\n"
+                         "    except ValueError:\n"
+                         "        pass\n"),
+          QString(), true);
+  ASSERT_TRUE(result.ok) << qPrintable(result.log);
+  EXPECT_EQ(result.output, QString());
+  ASSERT_EQ(changed.size(), 2);
+  EXPECT_EQ(changed[0], (QVariantList{1.0, 4.0, QStringLiteral("first")}));
+  EXPECT_EQ(changed[1], (QVariantList{3.0, 4.0, QString()}));
+  EXPECT_EQ(cleared.size(), 1);
+  EXPECT_FALSE(progress.isActive());
 }
