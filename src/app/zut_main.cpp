@@ -38,17 +38,6 @@ QString help(const SubCommand& sub_command)
            QString::fromLatin1(sub_command.help));
 }
 
-// Ctrl+C is a KeyboardInterrupt in the running script, which runs its finally blocks; the
-// program then exits with 130. Outside a script, or when the script has not reached a safe
-// point since the last Ctrl+C (it waits in C code), the signal ends the program as usual.
-void interrupt(int signal_number)
-{
-  if (Vel::GScript::SafePoints::requestAbortFromSignal())
-    return;
-  std::signal(signal_number, SIG_DFL);
-  std::raise(signal_number);
-}
-
 }  // namespace
 
 int main(int argc, char* argv[])
@@ -100,15 +89,6 @@ int main(int argc, char* argv[])
   QApplication application(argc, argv);
   QApplication::setApplicationName(QStringLiteral("zut"));
   ZutHost host;
-  // As python3 does, an ignored SIGINT (a job started in the background) stays ignored.
-  struct sigaction action = {};
-  sigaction(SIGINT, nullptr, &action);
-  if (action.sa_handler == SIG_DFL) {
-    action.sa_handler = interrupt;
-    sigemptyset(&action.sa_mask);
-    action.sa_flags = SA_RESTART;
-    sigaction(SIGINT, &action, nullptr);
-  }
   if (sub_command->needs_module && !host.start())
     return EXIT_FAILED;
   int status = EXIT_FAILED;

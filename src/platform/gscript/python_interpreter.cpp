@@ -67,7 +67,8 @@ void PythonInterpreter::initialize()
   PyConfig config;
   PyConfig_InitPythonConfig(&config);
   config.parse_argv = 0;
-  // Ctrl+C ends the application as any other; Python gets no SIGINT handler of its own.
+  // Outside script runs Ctrl+C ends the application as any other; each run hands SIGINT to
+  // Python for its duration (SafePoints::Run).
   config.install_signal_handlers = 0;
   // The standard library of the Python we were built against, whatever PYTHONHOME says.
   PyConfig_SetBytesString(&config, &config.home, ZUT_PYTHON_HOME);

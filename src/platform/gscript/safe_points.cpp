@@ -6,6 +6,7 @@
 
 #include <Python.h>
 #include <atomic>
+#include <csignal>
 #include <chrono>
 #include <condition_variable>
 #include <mutex>
@@ -23,7 +24,6 @@ namespace {
 // Read by the signal handler and the timer thread; written on the GUI thread.
 std::atomic<int> depth{0};
 std::atomic<bool> abort_requested{false};
-std::atomic<bool> signal_abort{false};
 // A safe point is asked for and not yet handled: the interpreter's queue is not flooded while
 // the GUI thread is busy outside Python.
 std::atomic<bool> scheduled{false};
@@ -110,9 +110,7 @@ bool safePoint(QString* reason)
     *reason = QStringLiteral("test timeout of %1 s expired").arg(timeout_seconds);
     return true;
   }
-  const bool requested = abort_requested.exchange(false);
-  const bool signalled = signal_abort.exchange(false);
-  if (requested || signalled) {
+  if (abort_requested.exchange(false)) {
     reason->clear();
     return true;
   }
@@ -133,6 +131,48 @@ int pendingSafePoint(void*)
   else
     PyErr_SetString(PyExc_KeyboardInterrupt, reason.toUtf8().constData());
   return -1;
+}
+
+// Ctrl+C while a script runs is Python's own, as under python3: its handler raises
+// KeyboardInterrupt in the script at once (a blocking sleep included), and _thread.interrupt_main
+// and scripts' own SIGINT handlers behave as there. Outside runs the program's disposition
+// stands; an ignored SIGINT (a job started in the background) stays ignored.
+bool python_owns_interrupts = false;
+
+void setInterruptHandler(const char* handler)
+{
+  PyObject* signal = PyImport_ImportModule("signal");
+  PyObject* result = nullptr;
+  if (signal) {
+    PyObject* function = PyObject_GetAttrString(signal, handler);
+    if (function)
+      result = PyObject_CallMethod(signal, "signal", "iO", SIGINT, function);
+    Py_XDECREF(function);
+  }
+  Py_XDECREF(result);
+  Py_XDECREF(signal);
+  // Only the main thread may set handlers; elsewhere Ctrl+C stays the program's.
+  if (!result)
+    PyErr_Clear();
+}
+
+void takeInterrupts()
+{
+  struct sigaction current = {};
+  if (!Py_IsInitialized() || !PyGILState_Check() || sigaction(SIGINT, nullptr, &current) != 0 ||
+      current.sa_handler != SIG_DFL)
+    return;
+  setInterruptHandler("default_int_handler");
+  sigaction(SIGINT, nullptr, &current);
+  python_owns_interrupts = current.sa_handler != SIG_DFL;
+}
+
+void giveBackInterrupts()
+{
+  if (!python_owns_interrupts)
+    return;
+  python_owns_interrupts = false;
+  setInterruptHandler("SIG_DFL");
 }
 
 }  // namespace
@@ -156,7 +196,7 @@ SafePoints::Run::Run()
   run_clock.start();
   armDeadline();
   abort_requested = false;
-  signal_abort = false;
+  takeInterrupts();
   GApp::MainWindow::setScriptRunning(true);
   {
     std::lock_guard<std::mutex> lock(timer.mutex);
@@ -177,7 +217,7 @@ SafePoints::Run::~Run()
     timer.active = false;
   }
   abort_requested = false;
-  signal_abort = false;
+  giveBackInterrupts();
   deadline_ms = -1;
   GApp::MainWindow::setScriptRunning(false);
   GApp::Progress::getInstance().clear();
@@ -221,16 +261,9 @@ void SafePoints::requestAbort()
   timer.wake.notify_all();
 }
 
-bool SafePoints::requestAbortFromSignal() noexcept
-{
-  if (depth == 0)
-    return false;
-  return !signal_abort.exchange(true);
-}
-
 bool SafePoints::isAbortPending()
 {
-  return abort_requested || signal_abort;
+  return abort_requested;
 }
 
 bool SafePoints::poll(QString* reason)

@@ -52,9 +52,6 @@ public:
 
   // Asks the running script to stop; any thread. Ignored while no script runs.
   static void requestAbort();
-  // Ctrl+C, from a signal handler: async-signal-safe. False when no script runs or an earlier
-  // signal has not been acted on yet; the caller then ends the process as the signal would.
-  static bool requestAbortFromSignal() noexcept;
   static bool isAbortPending();
 
   // A safe point for long C++ work on the GUI thread (a command that waits): processes
