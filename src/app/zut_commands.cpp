@@ -125,9 +125,68 @@ int runCommand(const QString& name, const Vel::GApp::CommandParameters& paramete
 
 // zut run FILE.py [-p NAME=VALUE]... [ARGS...] [-- ARGS...]: the options are zut's up to "--",
 // every other argument after the file is the script's (sys.argv[1:]).
-int runScript(ZutHost&, const QStringList& arguments, bool)
+// A function the module exports for tools. Its text result is released by the module, which
+// allocated it; a null result means the module failed.
+template <class Function>
+class ModuleTool
+{
+public:
+  ModuleTool(ZutHost& host, const char* name)
+      : _call(reinterpret_cast<Function>(host.module()->resolve(name))),
+        _free(reinterpret_cast<void (*)(char*)>(host.module()->resolve("FreeAnalysis")))
+  {}
+  explicit operator bool() const { return _call && _free; }
+
+  template <class... Arguments>
+  std::optional<QString> operator()(Arguments... arguments) const
+  {
+    char* result = _call(arguments...);
+    if (!result)
+      return std::nullopt;
+    const QString text = QString::fromUtf8(result);
+    _free(result);
+    return text;
+  }
+
+private:
+  Function _call;
+  void (*_free)(char*);
+};
+
+// Loads answers for the dialogs that wait where no person is (from --answers or
+// ZUT_DIALOG_ANSWERS) and where to record a person's (--record-answers).
+bool prepareDialogAnswers(ZutHost& host, const char* sub_command, QString answers, const QString& record)
+{
+  if (answers.isEmpty())
+    answers = qEnvironmentVariable("ZUT_DIALOG_ANSWERS");
+  if (answers.isEmpty() && record.isEmpty())
+    return true;
+  const ModuleTool<char* (*)(const char*, const char*)> prepare(host, "PrepareDialogAnswers");
+  const std::optional<QString> fault =
+      prepare ? prepare(answers.toLocal8Bit().constData(), record.toLocal8Bit().constData()) : std::nullopt;
+  if (!fault) {
+    printErr(QStringLiteral("zut %1: the scripting module cannot take dialog answers\n").arg(QString::fromLatin1(sub_command)));
+    return false;
+  }
+  if (fault->isEmpty())
+    return true;
+  printErr(*fault + QLatin1Char('\n'));
+  return false;
+}
+
+// Answers that no dialog asked for are likely a mistake in the file or the script: said, not fatal.
+void reportUnusedAnswers(ZutHost& host)
+{
+  const ModuleTool<char* (*)()> unused(host, "UnusedDialogAnswers");
+  if (const std::optional<QString> lines = unused ? unused() : std::nullopt; lines && !lines->isEmpty())
+    printErr(QStringLiteral("zut: warning: ") + QString(*lines).replace(QStringLiteral("\n"), QStringLiteral("\nzut: warning: ")).chopped(14));
+}
+
+int runScript(ZutHost& host, const QStringList& arguments, bool)
 {
   QString file;
+  QString answers;
+  QString record;
   QStringList script_arguments;
   QVariantMap parameters;
   bool options = true;
@@ -143,6 +202,10 @@ int runScript(ZutHost&, const QStringList& arguments, bool)
       if (!parseAssignment(arguments[i], name, value))
         return usage("run", QStringLiteral("'%1' is not NAME=VALUE").arg(arguments[i]));
       parameters.insert(name, value);
+    } else if (options && (argument == QLatin1String("--answers") || argument == QLatin1String("--record-answers"))) {
+      if (++i >= arguments.size())
+        return usage("run", QStringLiteral("%1 needs a FILE.json").arg(argument));
+      (argument == QLatin1String("--answers") ? answers : record) = arguments[i];
     } else if (file.isEmpty()) {
       file = argument;
     } else {
@@ -151,13 +214,17 @@ int runScript(ZutHost&, const QStringList& arguments, bool)
   }
   if (file.isEmpty())
     return usage("run", QStringLiteral("no script file given"));
+  if (!prepareDialogAnswers(host, "run", answers, record))
+    return EXIT_FAILED;
   Vel::GApp::CommandParameters command_parameters;
   command_parameters.set(QStringLiteral("file"), QVariant::fromValue(Vel::Parse::File(file)));
   if (!parameters.isEmpty())
     command_parameters.set(QStringLiteral("parameters"), QVariant(parameters));
   if (!script_arguments.isEmpty())
     command_parameters.set(QStringLiteral("arguments"), QVariant(script_arguments));
-  return runCommand(QStringLiteral("sys.execute_script"), command_parameters, false, false);
+  const int status = runCommand(QStringLiteral("sys.execute_script"), command_parameters, false, false);
+  reportUnusedAnswers(host);
+  return status;
 }
 
 int execCode(ZutHost&, const QStringList& arguments, bool)
@@ -323,33 +390,6 @@ bool readSource(const char* sub_command, const QString& path, QByteArray& text)
   return true;
 }
 
-// A function the module exports for tools. Its text result is released by the module, which
-// allocated it; a null result means the module failed.
-template <class Function>
-class ModuleTool
-{
-public:
-  ModuleTool(ZutHost& host, const char* name)
-      : _call(reinterpret_cast<Function>(host.module()->resolve(name))),
-        _free(reinterpret_cast<void (*)(char*)>(host.module()->resolve("FreeAnalysis")))
-  {}
-  explicit operator bool() const { return _call && _free; }
-
-  template <class... Arguments>
-  std::optional<QString> operator()(Arguments... arguments) const
-  {
-    char* result = _call(arguments...);
-    if (!result)
-      return std::nullopt;
-    const QString text = QString::fromUtf8(result);
-    _free(result);
-    return text;
-  }
-
-private:
-  Function _call;
-  void (*_free)(char*);
-};
 
 // The module's own parser and highlighter, through the functions it exports for tools.
 int analyze(ZutHost& host, const char* what, const QStringList& arguments, bool json)
@@ -487,35 +527,6 @@ int lint(ZutHost& host, const QStringList& arguments, bool json)
   return any_fault ? EXIT_FAILED : EXIT_OK;
 }
 
-// Loads answers for the dialogs that wait where no person is (from --answers or
-// ZUT_DIALOG_ANSWERS) and where to record a person's (--record-answers).
-bool prepareDialogAnswers(ZutHost& host, const char* sub_command, QString answers, const QString& record)
-{
-  if (answers.isEmpty())
-    answers = qEnvironmentVariable("ZUT_DIALOG_ANSWERS");
-  if (answers.isEmpty() && record.isEmpty())
-    return true;
-  const ModuleTool<char* (*)(const char*, const char*)> prepare(host, "PrepareDialogAnswers");
-  const std::optional<QString> fault =
-      prepare ? prepare(answers.toLocal8Bit().constData(), record.toLocal8Bit().constData()) : std::nullopt;
-  if (!fault) {
-    printErr(QStringLiteral("zut %1: the scripting module cannot take dialog answers\n").arg(QString::fromLatin1(sub_command)));
-    return false;
-  }
-  if (fault->isEmpty())
-    return true;
-  printErr(*fault + QLatin1Char('\n'));
-  return false;
-}
-
-// Answers that no dialog asked for are likely a mistake in the file or the script: said, not fatal.
-void reportUnusedAnswers(ZutHost& host)
-{
-  const ModuleTool<char* (*)()> unused(host, "UnusedDialogAnswers");
-  if (const std::optional<QString> lines = unused ? unused() : std::nullopt; lines && !lines->isEmpty())
-    printErr(QStringLiteral("zut: warning: ") + QString(*lines).replace(QStringLiteral("\n"), QStringLiteral("\nzut: warning: ")).chopped(14));
-}
-
 // Executes a dialog definition: shown to a person, answered from a file, or pictured and listed.
 int dialog(ZutHost& host, const QStringList& arguments, bool json)
 {
@@ -602,12 +613,14 @@ int dialog(ZutHost& host, const QStringList& arguments, bool json)
 }
 
 const SubCommand SUB_COMMANDS[] = {
-    {"run", "FILE.py [-p NAME=VALUE]... [ARGS...] [-- ARGS...]",
+    {"run", "FILE.py [-p NAME=VALUE]... [--answers A.json] [--record-answers A.json] [ARGS...] [-- ARGS...]",
      "Runs a Python script file through the command sys.execute_script, as python3 runs it: as the\n"
      "module __main__, with sys.argv the file and the ARGS, and the file's folder first on\n"
      "sys.path. Each -p passes a parameter, visible to the script in the dictionary PARAMETERS;\n"
      "VALUE is read as a Python literal, or taken as text when it is none. Arguments after \"--\"\n"
-     "go to the script even when they look like options.",
+     "go to the script even when they look like options. --answers (or ZUT_DIALOG_ANSWERS) answers\n"
+     "the script's dialogs from a file where no person can; --record-answers writes a person's\n"
+     "answers to a file, ready to replay.",
      true, runScript, false, true},
     {"exec", "CODE", "Runs Python text through the command sys.execute_python_code.", true, execCode},
     {"call", "COMMAND [ARG=VALUE]... [--json]",

@@ -509,6 +509,19 @@ TEST_F(ZutProgram, DialogsRunOnAnswersOrFailAtOnceAndArePicturedAndListed)
     EXPECT_TRUE(result.err.contains(QString::fromUtf8(c.err))) << qPrintable(result.err);
   }
   EXPECT_FALSE(QImage(picture).isNull());
+
+  // A script's dialogs take the answers in turn and the script goes on with them.
+  const QString script = file("two.py", QStringLiteral("import zut, pathlib\n"
+                                                       "xml = pathlib.Path(%1).read_text()\n"
+                                                       "for _ in range(2):\n"
+                                                       "    r = zut.script.sys.execute_user_defined_dialog(content=xml)\n"
+                                                       "    print(r['result'], r['values']['diameter'])\n")
+                                            .arg(QStringLiteral("'%1'").arg(example))
+                                            .toUtf8());
+  const Result two = zut({QStringLiteral("run"), script, a,
+                          file("two.json", R"([{"values": {"diameter": 42}}, {"button": "cancel"}])")});
+  EXPECT_EQ(two.status, 0) << qPrintable(two.err);
+  EXPECT_EQ(two.out, QStringLiteral("True 42.0\nFalse 12.0\n"));
   // A listing is the same on every run.
   EXPECT_EQ(zut({d, example, QStringLiteral("--dump")}).out, zut({d, example, QStringLiteral("--dump")}).out);
 }
