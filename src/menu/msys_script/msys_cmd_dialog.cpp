@@ -59,10 +59,12 @@ QVariant runToEnd(UserDefinedDialog* dialog)
     throw;
   }
   dialog->run();
+  const std::exception_ptr fault = dialog->takeFault();
+  const QVariant result = fault ? QVariant() : resultOf(*dialog);
   dialog->deleteLater();
-  if (const std::exception_ptr fault = dialog->takeFault())
+  if (fault)
     std::rethrow_exception(fault);
-  return resultOf(*dialog);
+  return result;
 }
 
 }  // namespace

@@ -93,6 +93,14 @@ UserDefinedDialog::UserDefinedDialog(const QString& content)
 UserDefinedDialog::~UserDefinedDialog()
 {
   dialogMap().erase(_id);
+  // A dialog opened over this one (it was the active window then) belongs to the dialog map,
+  // not to this one: it outlives it.
+  for (auto* child : findChildren<UserDefinedDialog*>(Qt::FindDirectChildrenOnly)) {
+    const bool visible = child->isVisible();
+    child->setParent(parentWidget(), child->windowFlags());
+    if (visible)
+      child->show();
+  }
 }
 
 void UserDefinedDialog::setResponder(Responder responder)
