@@ -14,6 +14,7 @@
 
 #include "cfg/cfg.h"
 #include "core/color.h"
+#include "core/script_type.h"
 #include "core/prog_error.h"
 #include "gapp/command.h"
 #include "gapp/command_container.h"
@@ -46,6 +47,8 @@ QJsonValue toJson(const QVariant& value)
     return value.value<Vel::Parse::File>().getName();
   if (value.typeId() == qMetaTypeId<Vel::Color>())
     return value.value<Vel::Color>().toString();
+  if (value.typeId() == Vel::scriptObjectTypeId())
+    return value.value<Vel::ScriptObjectPtr>()->getRepr();
   if (value.typeId() == QMetaType::QVariantList || value.typeId() == QMetaType::QStringList) {
     QJsonArray array;
     for (const QVariant& element : value.toList())
@@ -592,14 +595,18 @@ int dialog(ZutHost& host, const QStringList& arguments, bool json)
   try {
     Vel::GApp::CommandParameters parameters;
     parameters.set(QStringLiteral("content"), QString::fromUtf8(content));
-    const QVariantMap result = command->run(parameters, false).toMap();
+    const Vel::ScriptObjectPtr answer = command->run(parameters, false).value<Vel::ScriptObjectPtr>();
     reportUnusedAnswers(host);
+    bool found = false;
+    QVariantMap values;
+    for (const QString& name : answer->getAttributeNames())
+      if (name != QLatin1String("result"))
+        values.insert(name, answer->getAttribute(name, &found));
+    const QVariant result = answer->getAttribute(QStringLiteral("result"), &found);
     if (json) {
-      printJson(toJson(result).toObject());
+      printJson(QJsonObject{{QStringLiteral("result"), toJson(result)}, {QStringLiteral("values"), toJson(values)}});
     } else {
-      QString text = QStringLiteral("result = %1\n")
-                         .arg(Vel::GScript::PythonInterpreter::repr(result.value(QStringLiteral("result"))));
-      const QVariantMap values = result.value(QStringLiteral("values")).toMap();
+      QString text = QStringLiteral("result = %1\n").arg(Vel::GScript::PythonInterpreter::repr(result));
       for (auto value = values.begin(); value != values.end(); ++value)
         text += QStringLiteral("%1 = %2\n").arg(value.key(), Vel::GScript::PythonInterpreter::repr(value.value()));
       printOut(text);

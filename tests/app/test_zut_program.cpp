@@ -515,13 +515,62 @@ TEST_F(ZutProgram, DialogsRunOnAnswersOrFailAtOnceAndArePicturedAndListed)
                                                        "xml = pathlib.Path(%1).read_text()\n"
                                                        "for _ in range(2):\n"
                                                        "    r = zut.script.sys.execute_user_defined_dialog(content=xml)\n"
-                                                       "    print(r['result'], r['values']['diameter'])\n")
+                                                       "    print(r.result, r.diameter)\n")
                                             .arg(QStringLiteral("'%1'").arg(example))
                                             .toUtf8());
   const Result two = zut({QStringLiteral("run"), script, a,
                           file("two.json", R"([{"values": {"diameter": 42}}, {"button": "cancel"}])")});
   EXPECT_EQ(two.status, 0) << qPrintable(two.err);
   EXPECT_EQ(two.out, QStringLiteral("True 42.0\nFalse 12.0\n"));
+  // Driven through handles: values set by the script, the handler told of each answered change
+  // and of the timer, a close from the handler with a result; a failing handler's exception
+  // reaches the waiting script with the handler's line.
+  const QString driven = file("driven.py", QStringLiteral(R"(import zut, pathlib
+xml = pathlib.Path(%1).read_text()
+dlg = zut.script.sys.create_user_defined_dialog(content=xml)
+dlg.part.value = "set by script"
+print(dlg.part)
+print(type(dlg).__name__, type(dlg.part).__name__, dlg.part == dlg.part, dlg.part == dlg.points)
+seen = []
+def handler(widget):
+    seen.append(widget if isinstance(widget, str) else widget.name)
+    if widget == dlg.diameter:
+        dlg.control.ok.enabled = widget.value < 100
+        dlg.control.status = "checked"
+        zut.script.sys.close_user_defined_dialog(dialog=dlg, result=widget.value)
+dlg.handler = handler
+r = zut.script.sys.show_user_defined_dialog(dialog=dlg)
+print(r.result, r.part, seen)
+try:
+    dlg.title
+except zut.CommandError as error:
+    print("gone:", error.log)
+bad = zut.script.sys.create_user_defined_dialog(content=xml)
+def failing(widget):
+    raise ValueError("handler failed")
+bad.handler = failing
+try:
+    zut.script.sys.show_user_defined_dialog(dialog=bad)
+except ValueError as error:
+    print("raised:", error, error.__traceback__.tb_next is not None)
+try:
+    bad2 = zut.script.sys.create_user_defined_dialog(content=xml)
+    bad2.points.value = 2.5
+except zut.ScriptTypeError as error:
+    print("refused:", error)
+)")
+                                                   .arg(QStringLiteral("'%1'").arg(example))
+                                                   .toUtf8());
+  const Result handled = zut({QStringLiteral("run"), driven, a,
+                              file("driven.json", R"([{"values": {"diameter": 42}}, {}])")});
+  EXPECT_EQ(handled.status, 0) << qPrintable(handled.err);
+  EXPECT_EQ(handled.out,
+            QStringLiteral("zut.dialog.StringWidget (name='part', value='set by script', read_only=False)\n"
+                           "DialogHandle StringWidget True False\n"
+                           "42.0 set by script ['initialize', 'diameter']\n"
+                           "gone: A dialog with this ID does not exist.\n"
+                           "raised: handler failed True\n"
+                           "refused: The value has not the expected type.\n"));
   // A listing is the same on every run.
   EXPECT_EQ(zut({d, example, QStringLiteral("--dump")}).out, zut({d, example, QStringLiteral("--dump")}).out);
 }

@@ -1,5 +1,6 @@
 #include "menu/msys_script/msys_cmd_dialog.h"
 
+#include "menu/msys_script/msys_dialog_handles.h"
 #include "menu/msys_script/msys_dlg_user_defined.h"
 #include "menu/msys_script/msys_error_codes.h"
 #include "gtools/error_dialog.h"
@@ -37,13 +38,18 @@ QVariant resultOf(const UserDefinedDialog& dialog)
   for (const DialogDefinition::Cell& cell : dialog.getCells())
     if (cell.widget->getCreatorId() != DialogWidgetCreator::EMPTY_WIDGET_ID)
       values.insert(cell.widget->getName(), cell.widget->getValue());
-  return QVariantMap{{QStringLiteral("result"), dialog.getResult()}, {QStringLiteral("values"), values}};
+  return QVariant::fromValue(makeDialogResult(dialog.getResult(), values));
 }
 
 UserDefinedDialog* dialogOf(const GApp::CommandParameters& parameters, const char* key)
 {
-  const DialogHandle handle = getArgument<DialogHandle>(parameters, QStringLiteral("dialog"));
-  UserDefinedDialog* dialog = UserDefinedDialog::find(handle.id);
+  const QVariant value = parameters.contains(QStringLiteral("dialog"))
+                             ? parameters.get(QStringLiteral("dialog")).getValue()
+                             : QVariant();
+  const int id = value.typeId() == dialogHandleTypeId() ? value.value<DialogHandle>().id : dialogIdOf(value);
+  if (id == 0 && !value.isValid())
+    getArgument<QString>(parameters, QStringLiteral("dialog"));  // the missing argument's message
+  UserDefinedDialog* dialog = UserDefinedDialog::find(id);
   if (!dialog)
     failCommand(ERR_EXECUTE_SCRIPT, errorText("A dialog with this ID does not exist.", key));
   return dialog;
@@ -83,7 +89,7 @@ CreateDialogCommand::CreateDialogCommand()
 void CreateDialogCommand::execute(const GApp::CommandParameters& parameters)
 {
   auto* dialog = new UserDefinedDialog(getArgument<QString>(parameters, QStringLiteral("content")));
-  setResult(QVariant::fromValue(DialogHandle{dialog->getId()}));
+  setResult(QVariant::fromValue(makeDialogHandle(dialog->getId())));
 }
 
 ExecuteDialogCommand::ExecuteDialogCommand()

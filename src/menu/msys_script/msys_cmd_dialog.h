@@ -16,8 +16,9 @@ struct DialogHandle
 // The meta-type id of DialogHandle, registered on first use.
 int dialogHandleTypeId();
 
-// The commands through which scripts build and drive user-defined dialogs. A dialog that runs
-// until it is closed returns {"result": ..., "values": {element name: value}}.
+// The commands through which scripts build and drive user-defined dialogs. Create returns the
+// dialog's handle; a dialog that runs until it is closed returns its result (result and the
+// values by element name).
 
 class CreateDialogCommand : public MSysCommand
 {

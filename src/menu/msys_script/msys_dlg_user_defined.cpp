@@ -5,12 +5,17 @@
 #include <QPushButton>
 #include <QScreen>
 #include <QShowEvent>
+#include <QEventLoop>
 #include <QTimer>
 #include <QVBoxLayout>
 
 #include "gapp/app_status_manager.h"
 #include "gapp/main_window.h"
+#include "gscript/python_interpreter.h"
 #include "gtools/dialog_widget_supplier.h"
+#include "gtools/error_dialog.h"
+#include "menu/msys_script/msys_dialog_handles.h"
+#include "menu/msys_script/msys_error_codes.h"
 #include "menu/msys_script/msys_dialog_controls.h"
 #include "menu/msys_script/msys_dialog_styles.h"
 
@@ -87,6 +92,7 @@ UserDefinedDialog::UserDefinedDialog(const QString& content)
   _timer->setObjectName(QStringLiteral("timer"));
   connect(_timer, &QTimer::timeout, this, [this] { Q_EMIT signalChanged(nullptr, QStringLiteral("timer")); });
 
+  connect(this, &UserDefinedDialog::signalChanged, this, &UserDefinedDialog::slotChanged);
   dialogMap()[_id] = this;
 }
 
@@ -145,7 +151,17 @@ int UserDefinedDialog::getOpenCount()
 QVariant UserDefinedDialog::run()
 {
   starting();
-  exec();
+  _waited_for = true;
+  setWindowModality(Qt::ApplicationModal);
+  // A loop of its own rather than exec(): a handler may close the dialog while it is being
+  // shown, before any loop runs, and exec()'s loop would then wait for good.
+  show();
+  if (!_closed) {
+    QEventLoop loop;
+    _loop = &loop;
+    loop.exec(QEventLoop::DialogExec);
+    _loop = nullptr;
+  }
   return _result;
 }
 
@@ -159,10 +175,7 @@ void UserDefinedDialog::closeWithResult(const std::optional<QVariant>& result)
 {
   _script_result = result;
   // Without a result of the script's the dialog keeps its own.
-  if (isVisible())
-    done(this->result());
-  else
-    finish();
+  closeWith(this->result());
 }
 
 bool UserDefinedDialog::canCloseNow() const
@@ -178,10 +191,25 @@ bool UserDefinedDialog::canCloseNow() const
 
 void UserDefinedDialog::failWith(std::exception_ptr fault)
 {
-  if (!_fault)
+  // A modeless dialog has no command waiting for it: its fault is shown, not lost.
+  if (!_waited_for) {
+    try {
+      std::rethrow_exception(fault);
+    } catch (const GApp::CommandError& error) {
+      GTools::ErrorDialog(error.getCode(), error.getLog().getText());
+    } catch (const std::exception& error) {
+      GTools::ErrorDialog(QString::fromLatin1(ERR_EXECUTE_SCRIPT), QString::fromUtf8(error.what()));
+    }
+  } else if (!_fault) {
     _fault = fault;
+  }
+  closeWith(QDialog::Rejected);
+}
+
+void UserDefinedDialog::closeWith(int code)
+{
   if (isVisible())
-    done(QDialog::Rejected);
+    done(code);
   else
     finish();
 }
@@ -227,6 +255,8 @@ void UserDefinedDialog::finish()
   _closed = true;
   _timer->stop();
   hide();
+  if (_loop)
+    _loop->exit();
   Q_EMIT signalClosed(_id);
 }
 
@@ -239,6 +269,17 @@ void UserDefinedDialog::showEvent(QShowEvent* event)
   // Placed once the window has its frame, so that the frame, not only the contents, fits.
   place();
   Q_EMIT signalChanged(nullptr, QStringLiteral("initialize"));
+}
+
+void UserDefinedDialog::slotChanged(DialogWidget* element, const QString& event)
+{
+  if (!_handler.isValid() || _closed)
+    return;
+  try {
+    GScript::PythonInterpreter::call(_handler, {makeSender(this, element, event)});
+  } catch (...) {
+    failWith(std::current_exception());
+  }
 }
 
 void UserDefinedDialog::slotElementModified(DialogWidget* element)

@@ -12,6 +12,7 @@
 
 #include "menu/msys_script/msys_dialog_definition.h"
 
+class QEventLoop;
 class QTimer;
 
 namespace Vel::MSysScript {
@@ -72,6 +73,11 @@ public:
   // A person's edit made by someone else (an answer): applied and reported as a person's.
   void setAsPerson(DialogWidget* widget, const QVariant& value);
 
+  // The script's change handler (a Python callable), told of what signalChanged reports; null
+  // for none. Its exception ends the dialog with that fault.
+  void setHandler(const QVariant& handler) { _handler = handler; }
+  const QVariant& getHandler() const { return _handler; }
+
   // A script's own assignment: applied to the element without reaching the change handler.
   void setFromScript(DialogWidget* widget, const QString& name, const QVariant& value);
 
@@ -87,10 +93,12 @@ protected:
 
 private Q_SLOTS:
   void slotElementModified(Vel::MSysScript::DialogWidget* element);
+  void slotChanged(Vel::MSysScript::DialogWidget* element, const QString& event);
 
 private:
   void place();
   void starting();
+  void closeWith(int code);
   void finish();
 
   std::unique_ptr<DialogDefinition> _definition;
@@ -104,6 +112,9 @@ private:
   bool _started = false;
   int _script_assignments = 0;
   std::exception_ptr _fault;
+  QVariant _handler;
+  bool _waited_for = false;
+  QEventLoop* _loop = nullptr;
   size_t _command_depth = 0;
 };
 

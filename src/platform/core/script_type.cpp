@@ -4,4 +4,12 @@ namespace Vel {
 
 ScriptTypeException::ScriptTypeException(const QString& message) : _message(message), _what(message.toStdString()) {}
 
+ScriptObject::~ScriptObject() = default;
+
+int scriptObjectTypeId()
+{
+  static const int id = qRegisterMetaType<ScriptObjectPtr>("Vel::ScriptObjectPtr");
+  return id;
+}
+
 }  // namespace Vel

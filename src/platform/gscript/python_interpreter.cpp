@@ -124,4 +124,34 @@ QString PythonInterpreter::repr(const QVariant& value)
   return QString::fromStdString(py::repr(fromVariant(value)).cast<std::string>());
 }
 
+void PythonInterpreter::call(const QVariant& callable, const QList<QVariant>& arguments)
+{
+  const PythonCallable function = callable.value<PythonCallable>();
+  if (!function)
+    return;
+  py::tuple values(arguments.size());
+  for (int index = 0; index < arguments.size(); ++index)
+    values[size_t(index)] = fromVariant(arguments[index]);
+  py::reinterpret_borrow<py::object>(static_cast<PyObject*>(function.get()))(*values);
+}
+
+PythonCallable::PythonCallable(void* object)
+    : _object(object, [](void* held) {
+        // The last holder may go when no script runs, or after the interpreter ended.
+        if (!Py_IsInitialized())
+          return;
+        const PyGILState_STATE state = PyGILState_Ensure();
+        Py_DECREF(static_cast<PyObject*>(held));
+        PyGILState_Release(state);
+      })
+{
+  Py_INCREF(static_cast<PyObject*>(object));
+}
+
+int PythonCallable::typeId()
+{
+  static const int id = qRegisterMetaType<PythonCallable>("Vel::GScript::PythonCallable");
+  return id;
+}
+
 }  // namespace Vel::GScript

@@ -1,7 +1,10 @@
 #pragma once
 
+#include <QList>
 #include <QString>
+#include <QVariant>
 
+#include <memory>
 #include <vector>
 
 #include "core/vel_export.h"
@@ -46,6 +49,29 @@ public:
   static bool parseLiteral(const QString& text, class QVariant& value);
   // The value as Python's repr() shows it ("None", "[1, 'a']").
   static QString repr(const class QVariant& value);
+
+  // Calls a Python callable that a script handed over (a PythonCallable) with the arguments as
+  // Python values. The callable's exception is thrown on as it is, so that the script waiting
+  // further out gets it back with its traceback.
+  static void call(const class QVariant& callable, const QList<QVariant>& arguments);
+};
+
+// A Python callable held by the application (a dialog's change handler); the reference is
+// dropped under the interpreter lock.
+class VEL_EXPORT PythonCallable
+{
+public:
+  PythonCallable() = default;
+  explicit PythonCallable(void* object);  // a PyObject*, a new reference is taken
+  void* get() const { return _object.get(); }
+  explicit operator bool() const { return bool(_object); }
+
+  static int typeId();
+
+private:
+  std::shared_ptr<void> _object;
 };
 
 }  // namespace Vel::GScript
+
+Q_DECLARE_METATYPE(Vel::GScript::PythonCallable)

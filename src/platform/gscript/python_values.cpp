@@ -12,6 +12,8 @@
 #include <vector>
 
 #include "core/color.h"
+#include "core/script_type.h"
+#include "gscript/python_interpreter.h"
 #include "gapp/trait.h"
 
 namespace py = pybind11;
@@ -72,6 +74,8 @@ QVariant convert(py::handle object, std::vector<PyObject*>& path)
   }
   if (py::isinstance<Vel::Color>(object))
     return QVariant::fromValue(object.cast<Vel::Color>());
+  if (const ScriptObjectPtr held = scriptObjectOf(object))
+    return QVariant::fromValue(held);
   const py::object date_type = py::module_::import("datetime").attr("date");
   if (PyObject_IsInstance(object.ptr(), date_type.ptr()) == 1)
     return QDate(object.attr("year").cast<int>(), object.attr("month").cast<int>(), object.attr("day").cast<int>());
@@ -97,6 +101,10 @@ py::object fromVariant(const QVariant& value)
     py::module_::import("zut");  // registers zut.Color
     return py::cast(value.value<Vel::Color>());
   }
+  if (value.typeId() == scriptObjectTypeId())
+    return wrapScriptObject(value.value<ScriptObjectPtr>());
+  if (value.typeId() == PythonCallable::typeId())
+    return py::reinterpret_borrow<py::object>(static_cast<PyObject*>(value.value<PythonCallable>().get()));
   if (value.typeId() == QMetaType::QDate) {
     // An impossible date (April 31) has no Python form.
     const QDate date = value.toDate();

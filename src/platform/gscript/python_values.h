@@ -4,6 +4,9 @@
 
 #include <QVariant>
 
+#include <memory>
+
+#include "core/script_type.h"
 #include "core/vel_export.h"
 
 namespace Vel::GScript {
@@ -16,5 +19,10 @@ VEL_EXPORT QVariant toVariant(pybind11::handle object);
 VEL_EXPORT pybind11::object fromVariant(const QVariant& value);
 // Adds zut.Color to the package.
 void registerColorType(pybind11::module_& module);
+// Application objects as scripts hold them: an instance of the class the object's type name
+// gives ("zut.dialog.DialogHandle"), and back (null for any other Python object).
+pybind11::object wrapScriptObject(const ScriptObjectPtr& object);
+ScriptObjectPtr scriptObjectOf(pybind11::handle object);
+void registerScriptObjects(pybind11::module_& module);
 
 }  // namespace Vel::GScript

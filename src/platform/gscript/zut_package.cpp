@@ -285,6 +285,7 @@ PYBIND11_EMBEDDED_MODULE(zut, m)
       .def_property_readonly("__signature__", &Vel::GScript::signature)
       .def("__repr__", [](const CommandNamespace& self) { return "<" + self.path() + ">"; });
   Vel::GScript::registerColorType(m);
+  Vel::GScript::registerScriptObjects(m);
   m.attr("script") = CommandNamespace{std::string(), false};
   m.attr("interactive") = CommandNamespace{std::string(), true};
   m.def("progress", &Vel::GScript::progress, py::arg("done"), py::arg("total"), py::arg("text") = "",

@@ -14,6 +14,7 @@
 #include "menu/msys_script/msys_cmd_dialog.h"
 #include "menu/msys_script/msys_dialog_answers.h"
 #include "menu/msys_script/msys_dialog_controls.h"
+#include "menu/msys_script/msys_dialog_handles.h"
 #include "menu/msys_script/msys_dialog_input_widgets.h"
 #include "menu/msys_script/msys_dlg_user_defined.h"
 
@@ -52,9 +53,19 @@ QPushButton* controlButton(UserDefinedDialog* dialog, const char* word)
   return static_cast<ButtonDialogControl*>(dialog->getControl())->getButton(QString::fromLatin1(word));
 }
 
+// A closed dialog's result as plain values: {"result": ..., "values": {name: value}}.
 QVariantMap run(GApp::Command& command, const GApp::CommandParameters& parameters)
 {
-  return command.run(parameters, false).toMap();
+  const ScriptObjectPtr result = command.run(parameters, false).value<ScriptObjectPtr>();
+  if (!result)
+    return {};
+  bool found = false;
+  QVariantMap values;
+  for (const QString& name : result->getAttributeNames())
+    if (name != QLatin1String("result"))
+      values.insert(name, result->getAttribute(name, &found));
+  return {{QStringLiteral("result"), result->getAttribute(QStringLiteral("result"), &found)},
+          {QStringLiteral("values"), values}};
 }
 
 GApp::CommandParameters contentArgument(const QString& content)
@@ -124,8 +135,7 @@ TEST_F(DialogRuntime, DrivenDialogReportsPersonsChangesButNotTheScriptsOwn)
 {
   CreateDialogCommand create;
   const QVariant handle = create.run(contentArgument(definition("Wizard", "<position>top_right</position>")), false);
-  ASSERT_EQ(handle.typeId(), dialogHandleTypeId());
-  UserDefinedDialog* dialog = UserDefinedDialog::find(handle.value<DialogHandle>().id);
+  UserDefinedDialog* dialog = UserDefinedDialog::find(dialogIdOf(handle));
   ASSERT_TRUE(dialog);
   EXPECT_FALSE(dialog->isVisible());
 
@@ -160,7 +170,7 @@ TEST_F(DialogRuntime, DrivenDialogReportsPersonsChangesButNotTheScriptsOwn)
   closing.set(QStringLiteral("result"), 42);
   close.run(closing, false);
   EXPECT_EQ(dialog->getResult(), QVariant(42));
-  EXPECT_FALSE(UserDefinedDialog::find(handle.value<DialogHandle>().id));
+  EXPECT_FALSE(UserDefinedDialog::find(dialogIdOf(handle)));
   QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
 
   // Every command on a dialog that is gone fails alike, and changes nothing.
@@ -182,7 +192,7 @@ TEST_F(DialogRuntime, ShowWaitsUntilAHandlerClosesWithAResultAndSubDialogsBlockT
 {
   CreateDialogCommand create;
   const QVariant handle = create.run(contentArgument(definition()), false);
-  UserDefinedDialog* dialog = UserDefinedDialog::find(handle.value<DialogHandle>().id);
+  UserDefinedDialog* dialog = UserDefinedDialog::find(dialogIdOf(handle));
   QString refusal;
   Person person([&](UserDefinedDialog* shown) {
     QDialog sub(shown);
@@ -203,7 +213,7 @@ TEST_F(DialogRuntime, ShowWaitsUntilAHandlerClosesWithAResultAndSubDialogsBlockT
   EXPECT_EQ(answer.value(QStringLiteral("result")), QVariant(QStringLiteral("done")));
   EXPECT_EQ(refusal, QStringLiteral("Presently, you cannot close the dialog. Either sub-dialogs are still open or "
                                     "other menu functions are active."));
-  EXPECT_FALSE(UserDefinedDialog::find(handle.value<DialogHandle>().id));
+  EXPECT_FALSE(UserDefinedDialog::find(dialogIdOf(handle)));
   (void)dialog;
 }
 
@@ -294,7 +304,7 @@ TEST_F(DialogRuntime, AnswersGoToTheDialogsInTurnThroughTheHandlerAndWhatIsLeftI
   for (const char* part : {"first", "second"}) {
     CreateDialogCommand create;
     const QVariant handle = create.run(contentArgument(definition()), false);
-    UserDefinedDialog* dialog = UserDefinedDialog::find(handle.value<DialogHandle>().id);
+    UserDefinedDialog* dialog = UserDefinedDialog::find(dialogIdOf(handle));
     QStringList changed;
     QObject::connect(dialog, &UserDefinedDialog::signalChanged, [&](DialogWidget* element, const QString& event) {
       changed << (element ? element->getName() : event);

@@ -1,0 +1,163 @@
+// Application objects in scripts: one Python class per type name ("zut.dialog.DialogHandle"),
+// whose instances answer attributes, printing, help and equality through the object.
+
+#include <pybind11/embed.h>
+
+#include <QString>
+
+#include "gapp/command.h"
+#include "gscript/python_interpreter.h"
+#include "gscript/python_values.h"
+
+namespace py = pybind11;
+
+namespace Vel::GScript {
+
+namespace {
+
+struct Core
+{
+  ScriptObjectPtr object;
+};
+
+[[noreturn]] void raise(const char* class_name, const py::tuple& arguments)
+{
+  const py::object cls = py::module_::import("zut").attr(class_name);
+  const py::object instance = cls(*arguments);
+  PyErr_SetObject(cls.ptr(), instance.ptr());
+  throw py::error_already_set();
+}
+
+// The object's refusals as the script's exceptions.
+template <typename Body>
+auto guarded(Body body) -> decltype(body())
+{
+  try {
+    return body();
+  } catch (const GApp::CommandError& error) {
+    raise("CommandError", py::make_tuple(error.getCode().toStdString(), error.getMessage().toStdString(),
+                                         error.getLog().getText().toStdString()));
+  } catch (const ScriptTypeException& error) {
+    raise("ScriptTypeError", py::make_tuple(error.getMessage().toStdString()));
+  }
+}
+
+py::object get(const Core& core, const std::string& name)
+{
+  return guarded([&] {
+    bool found = false;
+    const QVariant value = core.object->getAttribute(QString::fromStdString(name), &found);
+    if (!found)
+      throw py::attribute_error("'" + core.object->getTypeName().toStdString() + "' object has no attribute '" +
+                                name + "'");
+    return fromVariant(value);
+  });
+}
+
+void set(const Core& core, const std::string& name, const py::object& value)
+{
+  // A function is kept as it is (a change handler); other values travel as command values do.
+  const QVariant converted = PyCallable_Check(value.ptr()) && !PyType_Check(value.ptr())
+                                 ? QVariant::fromValue(PythonCallable(value.ptr()))
+                                 : toVariant(value);
+  guarded([&] { core.object->setAttribute(QString::fromStdString(name), converted); });
+}
+
+const char* const HANDLE_CLASS = R"(
+class _Handle:
+    """An object of the application; its attributes are listed in its help."""
+
+    __slots__ = ("_core",)
+
+    def __getattr__(self, name):
+        if name.startswith("__"):
+            raise AttributeError(name)
+        return _object_get(self._core, name)
+
+    def __setattr__(self, name, value):
+        _object_set(self._core, name, value)
+
+    def __repr__(self):
+        return _object_repr(self._core)
+
+    def __eq__(self, other):
+        if not isinstance(other, _Handle):
+            return NotImplemented
+        return _object_identity(self._core) == _object_identity(other._core)
+
+    def __hash__(self):
+        return hash(_object_identity(self._core))
+
+    def __dir__(self):
+        return _object_names(self._core)
+
+    @property
+    def __doc__(self):
+        return _object_doc(self._core)
+
+
+_handle_classes = {}
+
+
+def _handle_class(type_name):
+    import sys, types
+    cls = _handle_classes.get(type_name)
+    if cls is None:
+        module_name, _, name = type_name.rpartition(".")
+        module = sys.modules.get(module_name)
+        if module is None:
+            module = types.ModuleType(module_name)
+            sys.modules[module_name] = module
+            parent_name, _, child = module_name.rpartition(".")
+            if parent_name in sys.modules:
+                setattr(sys.modules[parent_name], child, module)
+        cls = type(name, (_Handle,), {"__slots__": (), "__module__": module_name, "__qualname__": name})
+        setattr(module, name, cls)
+        _handle_classes[type_name] = cls
+    return cls
+
+
+def _wrap(core, type_name):
+    handle = object.__new__(_handle_class(type_name))
+    object.__setattr__(handle, "_core", core)
+    return handle
+)";
+
+}  // namespace
+
+py::object wrapScriptObject(const ScriptObjectPtr& object)
+{
+  if (!object)
+    return py::none();
+  const py::module_ zut = py::module_::import("zut");
+  return zut.attr("_wrap")(Core{object}, object->getTypeName().toStdString());
+}
+
+ScriptObjectPtr scriptObjectOf(py::handle object)
+{
+  const py::object handle_class = py::module_::import("zut").attr("_Handle");
+  if (PyObject_IsInstance(object.ptr(), handle_class.ptr()) != 1)
+    return nullptr;
+  return py::cast<const Core&>(object.attr("_core")).object;
+}
+
+void registerScriptObjects(py::module_& module)
+{
+  scriptObjectTypeId();
+  PythonCallable::typeId();
+  py::class_<Core>(module, "_ObjectCore");
+  module.def("_object_get", &get);
+  module.def("_object_set", &set);
+  module.def("_object_repr", [](const Core& core) { return core.object->getRepr().toStdString(); });
+  module.def("_object_doc", [](const Core& core) { return core.object->getDoc().toStdString(); });
+  module.def("_object_identity", [](const Core& core) { return core.object->getIdentity().toStdString(); });
+  module.def("_object_names", [](const Core& core) {
+    py::list names;
+    for (const QString& name : core.object->getAttributeNames())
+      names.append(name.toStdString());
+    return names;
+  });
+  py::exec(HANDLE_CLASS, module.attr("__dict__"));
+}
+
+}  // namespace Vel::GScript
