@@ -141,6 +141,7 @@ NumberWidget::NumberWidget() : DialogWidget(TYPE_ID), _spin(new Vel_Spin(this))
 {
   innerLayout(this)->addWidget(_spin);
   setFocusProxy(_spin);
+  const Vel_BaseSpin::Batch batch(_spin);
   _spin->setMinValue(-DOUBLE_MAX);
   _spin->setMaxValue(DOUBLE_MAX);
   _spin->setDigits(2);
@@ -160,6 +161,7 @@ bool NumberWidget::checkConfiguration(QString* error) const
 void NumberWidget::parseXml(const QDomNode& node)
 {
   DialogWidget::parseXml(node);
+  const Vel_BaseSpin::Batch batch(_spin);
   const Unit* unit = Unit::getUnit(valueOr<QString>(node, TAG_UNIT, QString()));
   if (unit)
     _spin->setUnit(*unit);
@@ -251,7 +253,9 @@ std::vector<AttributeInfo> NumberWidget::getAttributeInfo() const
 void NumberWidget::updateWidget()
 {
   DialogWidget::updateWidget();
-  _spin->setStyleSheet(_spin->property("background_style").toString());
+  const QString sheet = _spin->property("background_style").toString();
+  if (_spin->styleSheet() != sheet)
+    _spin->setStyleSheet(sheet);
   // A length steps by the finest digit its default unit shows; other kinds by one.
   double step = 1.0;
   if (const Unit* unit = _spin->getUnit(); unit && unit->isLinear())
@@ -267,6 +271,7 @@ IntegerWidget::IntegerWidget() : DialogWidget(TYPE_ID), _spin(new Vel_Spin(this)
 {
   innerLayout(this)->addWidget(_spin);
   setFocusProxy(_spin);
+  const Vel_BaseSpin::Batch batch(_spin);
   _spin->setDigits(0);
   _spin->setMinValue(INT_MIN_VALUE);
   _spin->setMaxValue(INT_MAX_VALUE);
@@ -286,6 +291,7 @@ bool IntegerWidget::checkConfiguration(QString* error) const
 void IntegerWidget::parseXml(const QDomNode& node)
 {
   DialogWidget::parseXml(node);
+  const Vel_BaseSpin::Batch batch(_spin);
   _spin->setMinValue(valueOr(node, TAG_MINIMUM, INT_MIN_VALUE));
   _spin->setMaxValue(valueOr(node, TAG_MAXIMUM, INT_MAX_VALUE));
   _spin->setValue(valueOr(node, TAG_VALUE, 0));

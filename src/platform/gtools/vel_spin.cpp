@@ -4,8 +4,11 @@
 #include <QHBoxLayout>
 
 #include <algorithm>
+#include <cmath>
+#include <limits>
 
-Vel_BaseSpin::Vel_BaseSpin(QWidget* parent) : QWidget(parent), _spin(new QDoubleSpinBox(this))
+Vel_BaseSpin::Vel_BaseSpin(QWidget* parent)
+    : QWidget(parent), _spin(new QDoubleSpinBox(this)), _pending_value(std::numeric_limits<double>::quiet_NaN())
 {
   auto* layout = new QHBoxLayout(this);
   layout->setContentsMargins(0, 0, 0, 0);
@@ -29,7 +32,21 @@ void Vel_BaseSpin::setMaxValue(double value)
 
 void Vel_BaseSpin::setValue(double value)
 {
-  _spin->setValue(value / _factor);
+  if (_batches > 0)
+    _pending_value = value;
+  else
+    _spin->setValue(value / _factor);
+}
+
+Vel_BaseSpin::Batch::Batch(Vel_BaseSpin* spin) : _spin(spin)
+{
+  ++_spin->_batches;
+}
+
+Vel_BaseSpin::Batch::~Batch()
+{
+  if (--_spin->_batches == 0)
+    _spin->updateSpin();
 }
 
 void Vel_BaseSpin::setDigits(unsigned digits)
@@ -46,7 +63,7 @@ void Vel_BaseSpin::setLineStep(double step)
 
 double Vel_BaseSpin::value() const
 {
-  return _spin->value() * _factor;
+  return std::isnan(_pending_value) ? _spin->value() * _factor : _pending_value;
 }
 
 void Vel_BaseSpin::setDisplayFactor(double factor, int extra_digits, const QString& suffix)
@@ -56,20 +73,36 @@ void Vel_BaseSpin::setDisplayFactor(double factor, int extra_digits, const QStri
   _extra_digits = extra_digits;
   _spin->setSuffix(suffix);
   updateSpin();
+  if (_batches > 0) {
+    _pending_value = stored;
+    return;
+  }
   const QSignalBlocker blocker(_spin);
   setValue(stored);
 }
 
 // The inner spin box works in the shown unit; a changed range keeps the value as far as the
 // new limits allow, without reporting a change that the user did not make.
+// Only what changed is handed on: the spin box rounds its limits through their decimal text at
+// every change, which for the widest limits (the largest doubles) costs a big-number formatting.
 void Vel_BaseSpin::updateSpin()
 {
+  if (_batches > 0)
+    return;
   const double stored = value();
+  _pending_value = std::numeric_limits<double>::quiet_NaN();
   const QSignalBlocker blocker(_spin);
-  _spin->setDecimals(std::max(0, static_cast<int>(_digits) + _extra_digits));
-  _spin->setRange(_min / _factor, _max / _factor);
-  _spin->setSingleStep(_step / _factor);
-  _spin->setValue(stored / _factor);
+  const int decimals = std::max(0, static_cast<int>(_digits) + _extra_digits);
+  if (_spin->decimals() != decimals)
+    _spin->setDecimals(decimals);
+  const double minimum = _min / _factor;
+  const double maximum = _max / _factor;
+  if (_spin->minimum() != minimum || _spin->maximum() != maximum)
+    _spin->setRange(minimum, maximum);
+  if (_spin->singleStep() != _step / _factor)
+    _spin->setSingleStep(_step / _factor);
+  if (_spin->value() != stored / _factor)
+    _spin->setValue(stored / _factor);
 }
 
 Vel_Spin::Vel_Spin(QWidget* parent) : Vel_BaseSpin(parent) {}

@@ -28,6 +28,20 @@ public:
 
   QDoubleSpinBox* spinBox() const { return _spin; }
 
+  // Holds the settings made while it lives and hands them to the spin box at once when it
+  // ends: each change of limits or digits is a costly step of the spin box.
+  class VEL_EXPORT Batch
+  {
+  public:
+    explicit Batch(Vel_BaseSpin* spin);
+    ~Batch();
+    Batch(const Batch&) = delete;
+    Batch& operator=(const Batch&) = delete;
+
+  private:
+    Vel_BaseSpin* _spin;
+  };
+
 Q_SIGNALS:
   void valueChanged(double value);
 
@@ -45,6 +59,9 @@ private:
   unsigned _digits = 2;
   double _factor = 1.0;
   int _extra_digits = 0;
+  int _batches = 0;
+  // The value set while a batch lasts; NaN for none.
+  double _pending_value;
 };
 
 // A spin box for a measured value: the value stays in the internal unit (millimetre, degree,
