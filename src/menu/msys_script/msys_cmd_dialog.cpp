@@ -22,10 +22,11 @@ Meta::Argument dialogArgument()
 // A dialog that waits for a person fails at once where nobody and nothing can answer it.
 void requireAnswer(UserDefinedDialog* dialog)
 {
-  if (GTools::isInteractive())
-    return;
+  // Answers given for a run are used even where a person could answer.
   const UserDefinedDialog::Responder& responder = UserDefinedDialog::getResponder();
   if (responder && responder(dialog))
+    return;
+  if (GTools::isInteractive())
     return;
   failCommand(ERR_EXECUTE_SCRIPT,
               errorText("The dialog \"%1\" waits for a person, but there is no display and no answer for it.")
@@ -109,9 +110,18 @@ ShowDialogCommand::ShowDialogCommand()
   dialogHandleTypeId();
 }
 
+// A dialog that a command already waits for cannot be waited for twice.
+UserDefinedDialog* notWaitedFor(UserDefinedDialog* dialog)
+{
+  if (dialog->isWaitedFor())
+    failCommand(ERR_EXECUTE_SCRIPT,
+                errorText("The dialog \"%1\" is already shown.").arg(dialog->getHeader().title));
+  return dialog;
+}
+
 void ShowDialogCommand::execute(const GApp::CommandParameters& parameters)
 {
-  setResult(runToEnd(dialogOf(parameters, "id=27662")));
+  setResult(runToEnd(notWaitedFor(dialogOf(parameters, "id=27662"))));
 }
 
 OpenDialogCommand::OpenDialogCommand()
@@ -123,7 +133,7 @@ OpenDialogCommand::OpenDialogCommand()
 
 void OpenDialogCommand::execute(const GApp::CommandParameters& parameters)
 {
-  UserDefinedDialog* dialog = dialogOf(parameters, "id=28565");
+  UserDefinedDialog* dialog = notWaitedFor(dialogOf(parameters, "id=28565"));
   // A closed modeless dialog leaves the map; nothing else holds it.
   QObject::connect(dialog, &UserDefinedDialog::signalClosed, dialog, &QObject::deleteLater, Qt::UniqueConnection);
   dialog->openModeless();

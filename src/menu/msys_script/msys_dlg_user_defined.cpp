@@ -12,6 +12,7 @@
 #include "gapp/app_status_manager.h"
 #include "gapp/main_window.h"
 #include "gscript/python_interpreter.h"
+#include "gscript/safe_points.h"
 #include "gtools/dialog_widget_supplier.h"
 #include "gtools/error_dialog.h"
 #include "menu/msys_script/msys_dialog_handles.h"
@@ -157,6 +158,18 @@ QVariant UserDefinedDialog::run()
   // shown, before any loop runs, and exec()'s loop would then wait for good.
   show();
   if (!_closed) {
+    // While the dialog waits no Python runs, so the script's safe points cannot see an abort
+    // (its abort button, the break dialog, the test timeout): the dialog looks for it.
+    QTimer watch;
+    connect(&watch, &QTimer::timeout, this, [this] {
+      QString reason;
+      if (!GScript::SafePoints::isScriptRunning() || !GScript::SafePoints::poll(&reason))
+        return;
+      ErrorLog log;
+      log.addLine(reason.isEmpty() ? QStringLiteral("KeyboardInterrupt") : QStringLiteral("KeyboardInterrupt: ") + reason);
+      failWith(std::make_exception_ptr(GApp::CommandError(QString::fromLatin1(GScript::ERR_SCRIPT_ABORTED), log)));
+    });
+    watch.start(GScript::SafePoints::INTERVAL_MS);
     QEventLoop loop;
     _loop = &loop;
     loop.exec(QEventLoop::DialogExec);

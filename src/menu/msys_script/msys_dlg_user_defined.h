@@ -63,6 +63,8 @@ public:
   bool canCloseNow() const;
   const QVariant& getResult() const { return _result; }
   bool isClosed() const { return _closed; }
+  // Whether a command waits for the dialog to close.
+  bool isWaitedFor() const { return _waited_for && !_closed; }
 
   // Ends the dialog with a fault that the command waiting for it raises (a failing handler, a
   // bad answer): faults may not cross the event loop that runs the dialog.

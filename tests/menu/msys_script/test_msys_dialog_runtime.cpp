@@ -11,6 +11,8 @@
 
 #include "dialog_test_element.h"
 #include "gapp/command.h"
+#include "gscript/python_interpreter.h"
+#include "gscript/safe_points.h"
 #include "menu/msys_script/msys_cmd_dialog.h"
 #include "menu/msys_script/msys_dialog_answers.h"
 #include "menu/msys_script/msys_dialog_controls.h"
@@ -215,6 +217,35 @@ TEST_F(DialogRuntime, ShowWaitsUntilAHandlerClosesWithAResultAndSubDialogsBlockT
                                     "other menu functions are active."));
   EXPECT_FALSE(UserDefinedDialog::find(dialogIdOf(handle)));
   (void)dialog;
+}
+
+// A dialog that waits stops the way the script around it would: an abort, the break dialog or
+// the test timeout end it, and it cannot be waited for twice meanwhile.
+TEST_F(DialogRuntime, AnAbortEndsAWaitingDialogThatCannotBeShownTwice)
+{
+  GScript::PythonInterpreter::initialize();
+  const GScript::SafePoints::Run script_running;
+  CreateDialogCommand create;
+  const QVariant handle = create.run(contentArgument(definition()), false);
+  QString twice;
+  ShowDialogCommand show;
+  Person person([&](UserDefinedDialog*) {
+    try {
+      show.run(handleArgument(handle), false);
+    } catch (const GApp::CommandError& error) {
+      twice = error.getLog().getText();
+    }
+    QTimer::singleShot(30, [] { GScript::SafePoints::requestAbort(); });
+  });
+  try {
+    run(show, handleArgument(handle));
+    FAIL() << "not aborted";
+  } catch (const GApp::CommandError& error) {
+    EXPECT_EQ(error.getCode(), QLatin1String(GScript::ERR_SCRIPT_ABORTED));
+    EXPECT_EQ(error.getLog().getText(), QStringLiteral("KeyboardInterrupt"));
+  }
+  EXPECT_EQ(twice, QStringLiteral("The dialog \"Bore check\" is already shown."));
+  EXPECT_FALSE(UserDefinedDialog::find(dialogIdOf(handle)));
 }
 
 TEST_F(DialogRuntime, ADefinitionThatDoesNotReadFailsWithTheReadersFaultAndLeavesTheMapAlone)
