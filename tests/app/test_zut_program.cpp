@@ -323,6 +323,18 @@ TEST_F(ZutProgram, ScriptsDroppedIntoTheUserLevelBecomeCommands)
   EXPECT_EQ(call.status, 0) << qPrintable(call.err);
   EXPECT_EQ(call.out, QStringLiteral("hello 7\n"));
 
+  // Database scripts are compiled from their bytes as files run by sys.execute_script are.
+  writeFile(scripts + QStringLiteral("/latin.py"), "# -*- coding: latin-1 -*-\nprint('gr\xfc\xdf" "e')\n");
+  writeFile(scripts + QStringLiteral("/broken.py"), "print('gr\xfc\xdf" "e')\n");
+  const Result latin = zut({QStringLiteral("call"), QStringLiteral("userscript.latin")});
+  EXPECT_EQ(latin.status, 0) << qPrintable(latin.err);
+  EXPECT_EQ(latin.out, QStringLiteral("grüße\n"));
+  const Result broken = zut({QStringLiteral("call"), QStringLiteral("userscript.broken")});
+  EXPECT_EQ(broken.status, 1);
+  EXPECT_TRUE(broken.err.contains(QStringLiteral("broken.py\", line 1"))) << qPrintable(broken.err);
+  QFile::remove(scripts + QStringLiteral("/latin.py"));
+  QFile::remove(scripts + QStringLiteral("/broken.py"));
+
   const QJsonArray list =
       QJsonDocument::fromJson(zut({QStringLiteral("scripts"), QStringLiteral("--json")}).out.toUtf8()).array();
   ASSERT_EQ(list.size(), 2);

@@ -176,21 +176,27 @@ void ScriptCommand::execute(const GApp::CommandParameters& parameters)
   }
 
   DatabaseLock database;
-  QString text;
+  QByteArray source;
   ErrorLog load_log;
   if (database) {
     if (GScript::Script* loaded = database->createLoadedScript(_script_file_name, load_log)) {
-      text = loaded->getCode();
+      source = loaded->getSource();
       delete loaded;
     }
   }
-  if (text.isEmpty()) {
+  if (source.isEmpty()) {
     log.addLine(errorText("No script found for command '%1'", "id=10052").arg(getName()));
     log.append(load_log);
     failCommand(ERR_EXECUTE_SCRIPT, log);
   }
+  // Compiled from its bytes, as python3 would: a declared encoding applies, and text that is
+  // not in its encoding fails with its line instead of running with replaced characters.
+  if (!source.endsWith('\n'))
+    source += '\n';
+  if (!GScript::Execute::checkSourceEncoding(source, _script_file_name, log))
+    failCommand(ERR_LOAD_SCRIPT, log);
 
-  GScript::Execute run(text);
+  GScript::Execute run = GScript::Execute::fromSource(source);
   const bool collect = applyRunArguments(parameters, run);
   QString code = QString::fromLatin1(ERR_EXECUTE_SCRIPT);
   bool success = false;

@@ -56,6 +56,9 @@ public:
   QString getIconPath() const;
   // The text, for scripts made by createLoadedScript; empty otherwise.
   const QString& getCode() const { return _code; }
+  // The file's bytes, for scripts made by createLoadedScript: what Python compiles, with the
+  // encoding the file declares.
+  const QByteArray& getSource() const { return _source; }
 
 private:
   friend class ScriptDatabase;
@@ -65,6 +68,7 @@ private:
   int _level = LEVEL_USER;
   ScriptMetadata _metadata;
   QString _code;
+  QByteArray _source;
   mutable bool _pixmap_loaded = false;
   mutable std::unique_ptr<QPixmap> _pixmap;
 };
