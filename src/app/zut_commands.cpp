@@ -126,8 +126,6 @@ int runCommand(const QString& name, const Vel::GApp::CommandParameters& paramete
   }
 }
 
-// zut run FILE.py [-p NAME=VALUE]... [ARGS...] [-- ARGS...]: the options are zut's up to "--",
-// every other argument after the file is the script's (sys.argv[1:]).
 // A function the module exports for tools. Its text result is released by the module, which
 // allocated it; a null result means the module failed.
 template <class Function>
@@ -181,10 +179,15 @@ bool prepareDialogAnswers(ZutHost& host, const char* sub_command, QString answer
 void reportUnusedAnswers(ZutHost& host)
 {
   const ModuleTool<char* (*)()> unused(host, "UnusedDialogAnswers");
-  if (const std::optional<QString> lines = unused ? unused() : std::nullopt; lines && !lines->isEmpty())
-    printErr(QStringLiteral("zut: warning: ") + QString(*lines).replace(QStringLiteral("\n"), QStringLiteral("\nzut: warning: ")).chopped(14));
+  const std::optional<QString> lines = unused ? unused() : std::nullopt;
+  if (!lines)
+    return;
+  for (const QString& line : lines->split(QLatin1Char('\n'), Qt::SkipEmptyParts))
+    printErr(QStringLiteral("zut: warning: %1\n").arg(line));
 }
 
+// zut run FILE.py [-p NAME=VALUE]... [ARGS...] [-- ARGS...]: the options are zut's up to "--",
+// every other argument after the file is the script's (sys.argv[1:]).
 int runScript(ZutHost& host, const QStringList& arguments, bool)
 {
   QString file;

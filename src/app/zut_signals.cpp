@@ -3,6 +3,7 @@
 #include <QCoreApplication>
 #include <QSocketNotifier>
 
+#include <cerrno>
 #include <csignal>
 #include <fcntl.h>
 #include <unistd.h>
@@ -16,9 +17,11 @@ struct sigaction previous[2];
 // Only what is safe in a signal handler: one byte into the pipe; the event loop does the rest.
 void onSignal(int number)
 {
+  const int saved_errno = errno;  // the interrupted code may be looking at it
   const unsigned char byte = static_cast<unsigned char>(number);
   const ssize_t ignored = ::write(pipe_ends[1], &byte, 1);
   (void)ignored;
+  errno = saved_errno;
 }
 
 }  // namespace

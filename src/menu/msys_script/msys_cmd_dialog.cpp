@@ -36,9 +36,8 @@ void requireAnswer(UserDefinedDialog* dialog)
 QVariant resultOf(const UserDefinedDialog& dialog)
 {
   QVariantMap values;
-  for (const DialogDefinition::Cell& cell : dialog.getCells())
-    if (cell.widget->getCreatorId() != DialogWidgetCreator::EMPTY_WIDGET_ID)
-      values.insert(cell.widget->getName(), cell.widget->getValue());
+  for (const DialogDefinition::Cell* cell : dialog.getElementCells())
+    values.insert(cell->widget->getName(), cell->widget->getValue());
   return QVariant::fromValue(makeDialogResult(dialog.getResult(), values));
 }
 

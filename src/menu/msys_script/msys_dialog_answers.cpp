@@ -74,13 +74,6 @@ QVariant valueFor(const DialogWidget* widget, const QJsonValue& answer)
   }
 }
 
-QString answerText(const QJsonValue& value)
-{
-  if (value.isString())
-    return QStringLiteral("\"%1\"").arg(value.toString());
-  return QString::fromUtf8(QJsonDocument(QJsonArray{value}).toJson(QJsonDocument::Compact)).mid(1).chopped(1);
-}
-
 void checkRange(const UserDefinedDialog* dialog, const DialogWidget* widget, const QString& name, const QVariant& value,
                 const QJsonValue& answer)
 {
@@ -117,18 +110,10 @@ void remember(const UserDefinedDialog* dialog, const QString& button)
   if (current.record_file.isEmpty())
     return;
   QJsonObject values;
-  for (const DialogDefinition::Cell& cell : dialog->getCells()) {
-    if (cell.widget->getCreatorId() == DialogWidgetCreator::EMPTY_WIDGET_ID)
-      continue;
-    const QVariant value = cell.widget->getValue();
-    if (!value.isValid())
-      continue;
-    if (value.typeId() == QMetaType::QDate)
-      values.insert(cell.widget->getName(), value.toDate().toString(Qt::ISODate));
-    else if (value.typeId() == qMetaTypeId<Color>())
-      values.insert(cell.widget->getName(), value.value<Color>().toString());
-    else
-      values.insert(cell.widget->getName(), QJsonValue::fromVariant(value));
+  for (const DialogDefinition::Cell* cell : dialog->getElementCells()) {
+    const QVariant value = cell->widget->getValue();
+    if (value.isValid())
+      values.insert(cell->widget->getName(), answerValue(value));
   }
   QJsonObject entry{{KEY_TITLE, dialog->getHeader().title}, {KEY_VALUES, values}};
   if (!button.isEmpty())
@@ -178,6 +163,22 @@ void watch(UserDefinedDialog* dialog)
 }
 
 }  // namespace
+
+QJsonValue answerValue(const QVariant& value)
+{
+  if (value.typeId() == QMetaType::QDate)
+    return value.toDate().toString(Qt::ISODate);
+  if (value.typeId() == qMetaTypeId<Color>())
+    return value.value<Color>().toString();
+  return QJsonValue::fromVariant(value);
+}
+
+QString answerText(const QJsonValue& value)
+{
+  if (value.isString())
+    return QStringLiteral("'%1'").arg(value.toString());
+  return QString::fromUtf8(QJsonDocument(QJsonArray{value}).toJson(QJsonDocument::Compact)).mid(1).chopped(1);
+}
 
 void DialogAnswers::load(const QString& fileName)
 {

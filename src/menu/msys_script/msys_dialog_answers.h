@@ -1,6 +1,8 @@
 #pragma once
 
 #include <QJsonArray>
+#include <QJsonValue>
+#include <QVariant>
 #include <QString>
 #include <QStringList>
 
@@ -31,5 +33,10 @@ public:
   // throws a command error naming the dialog, the element and the value.
   static void apply(UserDefinedDialog* dialog, const QJsonObject& answer);
 };
+
+// A value as answer files and dumps write it: dates and colours as text.
+QJsonValue answerValue(const QVariant& value);
+// A JSON value as a line of text shows it ("12.5", "true", "\"text\"" unquoted as 'text').
+QString answerText(const QJsonValue& value);
 
 }  // namespace Vel::MSysScript

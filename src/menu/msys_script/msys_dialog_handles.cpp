@@ -288,9 +288,8 @@ public:
   {
     QStringList names{QStringLiteral("id"), QStringLiteral("title"), QStringLiteral("handler"),
                       QStringLiteral("control"), QStringLiteral("timer")};
-    for (const DialogDefinition::Cell& cell : dialog()->getCells())
-      if (cell.widget->getCreatorId() != DialogWidgetCreator::EMPTY_WIDGET_ID)
-        names << cell.widget->getName();
+    for (const DialogDefinition::Cell* cell : dialog()->getElementCells())
+      names << cell->widget->getName();
     return names;
   }
   QString getRepr() const override
@@ -306,10 +305,9 @@ public:
                                     "the timer or 'initialize'"),
                      QStringLiteral("control zut.dialog.ControlGroup - The row of control buttons"),
                      QStringLiteral("timer zut.dialog.Timer - The dialog's timer")};
-    for (const DialogDefinition::Cell& cell : dialog()->getCells())
-      if (cell.widget->getCreatorId() != DialogWidgetCreator::EMPTY_WIDGET_ID)
-        rows << QStringLiteral("%1 %2 - Element of the dialog")
-                    .arg(cell.widget->getName(), cell.widget->__repr__().section(QLatin1Char(' '), 0, 0));
+    for (const DialogDefinition::Cell* cell : dialog()->getElementCells())
+      rows << QStringLiteral("%1 %2 - Element of the dialog")
+                  .arg(cell->widget->getName(), cell->widget->__repr__().section(QLatin1Char(' '), 0, 0));
     return docOf(QStringLiteral("Handle for the user-defined dialog '%1'").arg(dialog()->windowTitle()), rows);
   }
   QString getIdentity() const override { return QStringLiteral("dialog:%1").arg(_id); }

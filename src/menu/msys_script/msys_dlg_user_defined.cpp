@@ -135,6 +135,15 @@ void UserDefinedDialog::starting()
     watcher()(this);
 }
 
+std::vector<const DialogDefinition::Cell*> UserDefinedDialog::getElementCells() const
+{
+  std::vector<const DialogDefinition::Cell*> cells;
+  for (const DialogDefinition::Cell& cell : _definition->getCells())
+    if (cell.widget->getCreatorId() != DialogWidgetCreator::EMPTY_WIDGET_ID)
+      cells.push_back(&cell);
+  return cells;
+}
+
 UserDefinedDialog* UserDefinedDialog::find(int id)
 {
   const auto found = dialogMap().find(id);

@@ -48,6 +48,8 @@ public:
   int getId() const { return _id; }
   const DialogHeader& getHeader() const { return _definition->header; }
   const std::vector<DialogDefinition::Cell>& getCells() const { return _definition->getCells(); }
+  // The cells that hold an element, in the order of the definition (no placeholders).
+  std::vector<const DialogDefinition::Cell*> getElementCells() const;
   DialogWidget* findWidget(const QString& name) const { return _definition->findWidget(name); }
   DialogControl* getControl() const { return _control; }
   QTimer* getTimer() const { return _timer; }

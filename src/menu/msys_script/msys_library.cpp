@@ -210,16 +210,6 @@ char* UnusedDialogAnswers()
 
 namespace {
 
-// A value as answers and dumps write it: dates and colours as text.
-QJsonValue plainValue(const QVariant& value)
-{
-  if (value.typeId() == QMetaType::QDate)
-    return value.toDate().toString(Qt::ISODate);
-  if (value.typeId() == qMetaTypeId<Color>())
-    return value.value<Color>().toString();
-  return QJsonValue::fromVariant(value);
-}
-
 QString dumpText(const QJsonArray& elements)
 {
   QString text;
@@ -232,10 +222,7 @@ QString dumpText(const QJsonArray& elements)
                 .arg(element.value(QStringLiteral("row_span")).toInt())
                 .arg(element.value(QStringLiteral("column_span")).toInt())
                 .arg(element.value(QStringLiteral("type")).toString(), element.value(QStringLiteral("name")).toString(),
-                     value.isString() ? QStringLiteral("'%1'").arg(value.toString())
-                                      : QString::fromUtf8(QJsonDocument(QJsonArray{value}).toJson(QJsonDocument::Compact))
-                                            .mid(1)
-                                            .chopped(1),
+                     answerText(value),
                      element.value(QStringLiteral("enabled")).toBool() ? QString() : QStringLiteral(" (disabled)"));
   }
   return text;
@@ -258,18 +245,15 @@ char* DescribeDialog(const char* text, const char* screenshot, int json, int* fa
       if (screenshot && *screenshot && !dialog.grab().save(QString::fromLocal8Bit(screenshot)))
         failCommand(ERR_SAVE_FILE, errorText("Cannot open file for writing: %1").arg(QString::fromLocal8Bit(screenshot)));
       QJsonArray elements;
-      for (const DialogDefinition::Cell& cell : dialog.getCells()) {
-        if (cell.widget->getCreatorId() == DialogWidgetCreator::EMPTY_WIDGET_ID)
-          continue;
-        elements.append(QJsonObject{{QStringLiteral("row"), cell.row},
-                                    {QStringLiteral("column"), cell.column},
-                                    {QStringLiteral("row_span"), cell.row_span},
-                                    {QStringLiteral("column_span"), cell.column_span},
-                                    {QStringLiteral("type"), cell.widget->getCreatorId()},
-                                    {QStringLiteral("name"), cell.widget->getName()},
-                                    {QStringLiteral("value"), plainValue(cell.widget->getValue())},
-                                    {QStringLiteral("enabled"), cell.widget->isEnabled()}});
-      }
+      for (const DialogDefinition::Cell* cell : dialog.getElementCells())
+        elements.append(QJsonObject{{QStringLiteral("row"), cell->row},
+                                    {QStringLiteral("column"), cell->column},
+                                    {QStringLiteral("row_span"), cell->row_span},
+                                    {QStringLiteral("column_span"), cell->column_span},
+                                    {QStringLiteral("type"), cell->widget->getCreatorId()},
+                                    {QStringLiteral("name"), cell->widget->getName()},
+                                    {QStringLiteral("value"), answerValue(cell->widget->getValue())},
+                                    {QStringLiteral("enabled"), cell->widget->isEnabled()}});
       dialog.closeWithResult(std::nullopt);
       output = json ? QString::fromUtf8(QJsonDocument(elements).toJson()) : dumpText(elements);
     } catch (const Xml::ParseException& error) {
