@@ -771,4 +771,13 @@ TEST_F(ZutProgram, ATightLoopStopsOnCtrlCAndOnTheTestTimeout)
   EXPECT_EQ(timed_out.out, QStringLiteral("looping\nfinally ran\n"));
   EXPECT_TRUE(timed_out.err.contains(QStringLiteral("KeyboardInterrupt: test timeout of 0.2 s expired")))
       << qPrintable(timed_out.err);
+
+  // A script that swallows the interrupt is interrupted again: a test never hangs.
+  const Result swallowed = zut({QStringLiteral("exec"), QStringLiteral("import zut\n"
+                                                                       "zut.script.sys.set_test_timeout(timeout=0.2)\n"
+                                                                       "try:\n    while True:\n        pass\n"
+                                                                       "except KeyboardInterrupt:\n    print('swallowed')\n"
+                                                                       "while True:\n    pass\n")});
+  EXPECT_EQ(swallowed.status, 130);
+  EXPECT_EQ(swallowed.out, QStringLiteral("swallowed\n"));
 }

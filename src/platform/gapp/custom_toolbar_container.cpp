@@ -29,7 +29,12 @@ void CustomToolBarContainer::update()
                    _tool_bars.end());
   const CommandContainer& container = CommandContainer::getInstance();
   for (const auto& [tool_bar, group_name] : _tool_bars) {
+    // The buttons made last time belong to the tool bar; clear() alone would only hide them.
+    const QList<QAction*> old_actions = tool_bar->actions();
     tool_bar->clear();
+    for (QAction* action : old_actions)
+      if (action->parent() == tool_bar)
+        delete action;
     const auto* group = dynamic_cast<const ToolBarGroupCommand*>(container.getCommand(group_name));
     if (!group)
       continue;
