@@ -3,6 +3,8 @@
 #include <QApplication>
 #include <QFile>
 #include <QFileInfo>
+#include <QTimer>
+#include <QEventLoop>
 #include <QGuiApplication>
 #include <QJsonArray>
 #include <QJsonDocument>
@@ -21,6 +23,7 @@
 #include "gapp/module_loader.h"
 #include "gapp/trait.h"
 #include "gscript/python_interpreter.h"
+#include "gtools/error_dialog.h"
 #include "gscript/safe_points.h"
 #include "gscript/script_database.h"
 #include "zut_host.h"
@@ -186,6 +189,37 @@ void reportUnusedAnswers(ZutHost& host)
     printErr(QStringLiteral("zut: warning: %1\n").arg(line));
 }
 
+// Dialogs a script opened without waiting for them stay until a person closes them; where
+// nobody can, they are closed, and that is said.
+void finishOpenDialogs()
+{
+  const auto open = [] {
+    QList<QWidget*> dialogs;
+    for (QWidget* widget : QApplication::topLevelWidgets())
+      if (widget->isVisible() && widget->objectName() == QLatin1String("VelMSysScript_UserDefinedDialog"))
+        dialogs << widget;
+    return dialogs;
+  };
+  if (open().isEmpty())
+    return;
+  if (!Vel::GTools::isInteractive()) {
+    for (QWidget* dialog : open()) {
+      printErr(QStringLiteral("zut: closing the dialog \"%1\": the script has ended and nobody can close it\n")
+                   .arg(dialog->windowTitle()));
+      dialog->close();
+    }
+    return;
+  }
+  QEventLoop loop;
+  QTimer check;
+  QObject::connect(&check, &QTimer::timeout, &loop, [&] {
+    if (open().isEmpty())
+      loop.quit();
+  });
+  check.start(100);
+  loop.exec();
+}
+
 // zut run FILE.py [-p NAME=VALUE]... [ARGS...] [-- ARGS...]: the options are zut's up to "--",
 // every other argument after the file is the script's (sys.argv[1:]).
 int runScript(ZutHost& host, const QStringList& arguments, bool)
@@ -230,6 +264,7 @@ int runScript(ZutHost& host, const QStringList& arguments, bool)
     command_parameters.set(QStringLiteral("arguments"), QVariant(script_arguments));
   const int status = runCommand(QStringLiteral("sys.execute_script"), command_parameters, false, false);
   reportUnusedAnswers(host);
+  finishOpenDialogs();
   return status;
 }
 

@@ -583,6 +583,17 @@ except zut.ScriptTypeError as error:
                            "gone: A dialog with this ID does not exist.\n"
                            "raised: handler failed True\n"
                            "refused: The value has not the expected type.\n"));
+  // A modeless dialog left open when the script ends is closed where nobody can close it.
+  const Result left_open = zut({QStringLiteral("run"),
+                                file("modeless.py", QStringLiteral("import zut, pathlib\n"
+                                                                   "xml = pathlib.Path(%1).read_text()\n"
+                                                                   "dlg = zut.script.sys.create_user_defined_dialog(content=xml)\n"
+                                                                   "zut.script.sys.open_user_defined_dialog(dialog=dlg)\n")
+                                                        .arg(QStringLiteral("'%1'").arg(example))
+                                                        .toUtf8())});
+  EXPECT_EQ(left_open.status, 0) << qPrintable(left_open.err);
+  EXPECT_TRUE(left_open.err.contains(QStringLiteral("closing the dialog \"Bore inspection\"")))
+      << qPrintable(left_open.err);
   // A listing is the same on every run.
   EXPECT_EQ(zut({d, example, QStringLiteral("--dump")}).out, zut({d, example, QStringLiteral("--dump")}).out);
 }
