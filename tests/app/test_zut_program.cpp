@@ -309,6 +309,23 @@ TEST_F(ZutProgram, ExampleScriptsRun)
   const Result nested = zut({QStringLiteral("run"), examples + QStringLiteral("nested.py")});
   EXPECT_EQ(nested.status, 0) << qPrintable(nested.err);
   EXPECT_TRUE(nested.out.endsWith(QStringLiteral("level 0\n"))) << qPrintable(nested.out);
+
+  // The dialog examples run without a person on their answer files, and each picture is drawn.
+  const std::vector<std::pair<const char*, const char*>> dialogs = {
+      {"query", "probing 12 points with a 1.50 mm tip, twice\n"},
+      {"driven", "True B-42 True\n"},
+      {"progress", "measured 100 points; the dialog followed yes\n"},
+      {"wizard", "True Kim #ff0000ff\n"}};
+  for (const auto& [name, printed] : dialogs) {
+    const QString stem = examples + QStringLiteral("dialogs/") + QString::fromLatin1(name);
+    QStringList arguments{QStringLiteral("run"), stem + QStringLiteral(".py")};
+    if (QFile::exists(stem + QStringLiteral(".answers.json")))
+      arguments << QStringLiteral("--answers") << stem + QStringLiteral(".answers.json");
+    const Result run = zut(arguments);
+    EXPECT_EQ(run.status, 0) << name << "\n" << qPrintable(run.err);
+    EXPECT_EQ(run.out, QString::fromLatin1(printed)) << name;
+    EXPECT_EQ(run.err, QString()) << name;
+  }
 }
 
 TEST_F(ZutProgram, ScriptsDroppedIntoTheUserLevelBecomeCommands)

@@ -30,7 +30,7 @@ void requireAnswer(UserDefinedDialog* dialog)
     return;
   failCommand(ERR_EXECUTE_SCRIPT,
               errorText("The dialog \"%1\" waits for a person, but there is no display and no answer for it.")
-                  .arg(dialog->getHeader().title));
+                  .arg(dialog->windowTitle()));
 }
 
 QVariant resultOf(const UserDefinedDialog& dialog)
@@ -114,7 +114,7 @@ UserDefinedDialog* notWaitedFor(UserDefinedDialog* dialog)
 {
   if (dialog->isWaitedFor())
     failCommand(ERR_EXECUTE_SCRIPT,
-                errorText("The dialog \"%1\" is already shown.").arg(dialog->getHeader().title));
+                errorText("The dialog \"%1\" is already shown.").arg(dialog->windowTitle()));
   return dialog;
 }
 

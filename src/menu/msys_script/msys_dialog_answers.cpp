@@ -43,7 +43,7 @@ State& state()
 [[noreturn]] void failAnswer(const UserDefinedDialog* dialog, const QString& detail)
 {
   failCommand(ERR_EXECUTE_SCRIPT, errorText("The answer for the dialog \"%1\" does not fit: %2")
-                                      .arg(dialog->getHeader().title, detail));
+                                      .arg(dialog->windowTitle(), detail));
 }
 
 // A JSON value as the element's own kind of value, so that the element's check applies.
@@ -115,7 +115,7 @@ void remember(const UserDefinedDialog* dialog, const QString& button)
     if (value.isValid())
       values.insert(cell->widget->getName(), answerValue(value));
   }
-  QJsonObject entry{{KEY_TITLE, dialog->getHeader().title}, {KEY_VALUES, values}};
+  QJsonObject entry{{KEY_TITLE, dialog->windowTitle()}, {KEY_VALUES, values}};
   if (!button.isEmpty())
     entry.insert(KEY_BUTTON, button);
   current.recorded.append(entry);
@@ -242,7 +242,7 @@ void DialogAnswers::reset()
 void DialogAnswers::apply(UserDefinedDialog* dialog, const QJsonObject& answer)
 {
   const QString title = answer.value(KEY_TITLE).toString();
-  if (answer.contains(KEY_TITLE) && title != dialog->getHeader().title)
+  if (answer.contains(KEY_TITLE) && title != dialog->windowTitle())
     failAnswer(dialog, errorText("it is meant for the dialog \"%1\".").arg(title));
   const QJsonObject values = answer.value(KEY_VALUES).toObject();
   for (auto entry = values.begin(); entry != values.end(); ++entry) {
@@ -257,6 +257,12 @@ void DialogAnswers::apply(UserDefinedDialog* dialog, const QJsonObject& answer)
       failAnswer(dialog, errorText("the value %1 of element \"%2\" is refused: %3")
                              .arg(answerText(entry.value()), entry.key(), error.getMessage()));
     }
+    // What the element made of it, where it is not a rounding to the element's digits: an
+    // answer that a person could not have given (a transparent colour where none is allowed).
+    const QVariant taken = widget->getValue();
+    if (value.typeId() != QMetaType::Double && taken.typeId() == value.typeId() && taken != value)
+      failAnswer(dialog, errorText("the value %1 of element \"%2\" became %3.")
+                             .arg(answerText(entry.value()), entry.key(), answerText(answerValue(taken))));
     if (dialog->isClosed())
       return;  // the handler closed it
   }
