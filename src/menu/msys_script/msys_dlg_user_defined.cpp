@@ -131,6 +131,7 @@ void UserDefinedDialog::starting()
   if (_started)
     return;
   _started = true;
+  embed();
   if (watcher())
     watcher()(this);
 }
@@ -290,6 +291,7 @@ void UserDefinedDialog::showEvent(QShowEvent* event)
   _initialized = true;
   // Placed once the window has its frame, so that the frame, not only the contents, fits.
   place();
+  raise();
   Q_EMIT signalChanged(nullptr, QStringLiteral("initialize"));
 }
 
@@ -311,6 +313,20 @@ void UserDefinedDialog::slotElementModified(DialogWidget* element)
 }
 
 // Size and place as the definition says, within the screen the dialog appears on.
+// In kiosk mode a dialog that asks for it is shown inside the main window, over its contents,
+// where the definition places it; elsewhere it is a window of its own.
+bool UserDefinedDialog::embed()
+{
+  const GTools::DialogWidgetSupplierInterface* supplier = GTools::DialogWidgetSupplierInterface::getInstance();
+  QWidget* host = supplier ? supplier->getDialogParent() : nullptr;
+  if (_definition->header.embedding.get() != DialogEmbedding::EmbeddedInKiosk || !VelInit::isKioskMode() || !host ||
+      !supplier->canEmbed())
+    return false;
+  setParent(host->window(), Qt::Widget);
+  setAutoFillBackground(true);
+  return true;
+}
+
 void UserDefinedDialog::place()
 {
   const DialogHeader& header = _definition->header;
@@ -321,9 +337,10 @@ void UserDefinedDialog::place()
     resize(header.size.expandedTo(minimumSizeHint()));
 
   QScreen* screen = parentWidget() ? parentWidget()->screen() : QGuiApplication::primaryScreen();
-  if (!screen)
+  if (!screen && isWindow())
     return;
-  const QRect area = screen->availableGeometry();
+  // Embedded, the main window's area is the screen.
+  const QRect area = isWindow() ? screen->availableGeometry() : parentWidget()->rect();
   if (header.size_mode.get() == DialogSizeMode::Maximized) {
     const QRect inner = geometry();
     const QRect outer = frameGeometry();
@@ -333,7 +350,11 @@ void UserDefinedDialog::place()
   }
   QRect frame(QPoint(0, 0), frameGeometry().size());
   switch (header.position.get()) {
-    case DialogPosition::Automatic: return;
+    case DialogPosition::Automatic:
+      if (isWindow())
+        return;
+      frame.moveCenter(area.center());
+      break;
     case DialogPosition::Center: frame.moveCenter(area.center()); break;
     case DialogPosition::Left: frame.moveCenter(area.center()); frame.moveLeft(area.left()); break;
     case DialogPosition::Right: frame.moveCenter(area.center()); frame.moveRight(area.right()); break;

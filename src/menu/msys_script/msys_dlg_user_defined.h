@@ -100,6 +100,7 @@ private Q_SLOTS:
   void slotChanged(Vel::MSysScript::DialogWidget* element, const QString& event);
 
 private:
+  bool embed();
   void place();
   void starting();
   void closeWith(int code);

@@ -11,6 +11,8 @@
 
 #include "dialog_test_element.h"
 #include "gapp/command.h"
+#include "gapp/main_window.h"
+#include "gtools/dialog_widget_supplier.h"
 #include "gscript/python_interpreter.h"
 #include "gscript/safe_points.h"
 #include "menu/msys_script/msys_cmd_dialog.h"
@@ -246,6 +248,42 @@ TEST_F(DialogRuntime, AnAbortEndsAWaitingDialogThatCannotBeShownTwice)
   }
   EXPECT_EQ(twice, QStringLiteral("The dialog \"Bore check\" is already shown."));
   EXPECT_FALSE(UserDefinedDialog::find(dialogIdOf(handle)));
+}
+
+// A kiosk station shows such dialogs inside its main window; elsewhere they are windows.
+TEST_F(DialogRuntime, KioskDialogsAreShownInsideTheMainWindow)
+{
+  struct KioskSupplier : GTools::DialogWidgetSupplierInterface
+  {
+    QWidget* window;
+    QWidget* getDialogParent() const override { return window; }
+    bool canEmbed() const override { return true; }
+  };
+  QWidget main_window;
+  main_window.resize(800, 600);
+  main_window.show();
+  KioskSupplier kiosk;
+  kiosk.window = &main_window;
+  GTools::DialogWidgetSupplierInterface* standard = GTools::DialogWidgetSupplierInterface::getInstance();
+  GTools::DialogWidgetSupplierInterface::setInstance(&kiosk);
+  for (const bool kiosk_mode : {true, false}) {
+    VelInit::setKioskMode(kiosk_mode);
+    CreateDialogCommand create;
+    const QVariant handle = create.run(
+        contentArgument(definition("Close", "<position>bottom_right</position><embedding>embedded_in_kiosk</embedding>")),
+        false);
+    UserDefinedDialog* dialog = UserDefinedDialog::find(dialogIdOf(handle));
+    OpenDialogCommand open;
+    open.run(handleArgument(handle), false);
+    EXPECT_EQ(dialog->isWindow(), !kiosk_mode);
+    if (kiosk_mode) {
+      EXPECT_EQ(dialog->parentWidget(), &main_window);
+      EXPECT_EQ(dialog->geometry().bottomRight(), main_window.rect().bottomRight());
+    }
+    dialog->closeWithResult(std::nullopt);
+  }
+  VelInit::setKioskMode(false);
+  GTools::DialogWidgetSupplierInterface::setInstance(standard);
 }
 
 TEST_F(DialogRuntime, ADefinitionThatDoesNotReadFailsWithTheReadersFaultAndLeavesTheMapAlone)
