@@ -559,7 +559,7 @@ xml = pathlib.Path(%1).read_text()
 dlg = zut.script.sys.create_user_defined_dialog(content=xml)
 dlg.part.value = "set by script"
 print(dlg.part)
-print(type(dlg).__name__, type(dlg.part).__name__, dlg.part == dlg.part, dlg.part == dlg.points)
+print(isinstance(dlg, zut.dialog.DialogHandle), type(dlg.part).__name__, dlg.part == dlg.part, dlg.part == dlg.points)
 seen = []
 def handler(widget):
     seen.append(widget if isinstance(widget, str) else widget.name)
@@ -595,7 +595,7 @@ except zut.ScriptTypeError as error:
   EXPECT_EQ(handled.status, 0) << qPrintable(handled.err);
   EXPECT_EQ(handled.out,
             QStringLiteral("zut.dialog.StringWidget (name='part', value='set by script', read_only=False)\n"
-                           "DialogHandle StringWidget True False\n"
+                           "True StringWidget True False\n"
                            "42.0 set by script ['initialize', 'diameter']\n"
                            "gone: A dialog with this ID does not exist.\n"
                            "raised: handler failed True\n"

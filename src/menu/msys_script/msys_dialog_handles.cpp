@@ -8,6 +8,7 @@
 
 #include "core/python_string.h"
 #include "gscript/python_interpreter.h"
+#include "gscript/python_values.h"
 #include "gtools/vel_tool_tip_label.h"
 #include "menu/msys_script/msys_cmd_base.h"
 #include "menu/msys_script/msys_dialog_controls.h"
@@ -352,6 +353,13 @@ private:
 };
 
 }  // namespace
+
+void declareHandleTypes()
+{
+  // Elements are seen as their own classes (zut.dialog.NumberWidget); these are the rest.
+  for (const char* name : {"Control", "ControlGroup", "Timer", "DialogHandle", "DialogResult"})
+    GScript::declareScriptObjectType(TYPE_PREFIX + QLatin1String(name));
+}
 
 ScriptObjectPtr makeDialogHandle(int id)
 {

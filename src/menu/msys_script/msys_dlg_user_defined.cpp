@@ -89,6 +89,13 @@ UserDefinedDialog::UserDefinedDialog(const QString& content)
           [this](const QString& event) { Q_EMIT signalChanged(nullptr, event); });
   if (QPushButton* button = _control->getDefaultButton())
     button->setDefault(true);
+  // The buttons that close the dialog reach the handler as they are pressed, while it is
+  // still open; Back and Next report themselves.
+  if (auto* buttons = qobject_cast<ButtonDialogControl*>(_control))
+    for (const QString& word : buttons->getButtonIds())
+      if (word != QLatin1String("prev") && word != QLatin1String("next"))
+        connect(buttons->getButton(word), &QPushButton::pressed, this,
+                [this, word] { Q_EMIT signalChanged(nullptr, word); });
 
   _timer->setObjectName(QStringLiteral("timer"));
   connect(_timer, &QTimer::timeout, this, [this] { Q_EMIT signalChanged(nullptr, QStringLiteral("timer")); });

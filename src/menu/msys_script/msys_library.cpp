@@ -23,6 +23,7 @@
 #include "menu/msys_script/msys_cmd_test_timeout.h"
 #include "menu/msys_script/msys_config.h"
 #include "menu/msys_script/msys_dialog_answers.h"
+#include "menu/msys_script/msys_dialog_handles.h"
 #include "menu/msys_script/msys_dialog_definition.h"
 #include "menu/msys_script/msys_dialog_widgets.h"
 #include "menu/msys_script/msys_dlg_break.h"
@@ -84,6 +85,7 @@ void InitLibrary(Vel::CfgNode* root)
     installTranslator(QStringLiteral("VelMSysScript"));
     Color::registerMetaType();
     createCommands();
+    declareHandleTypes();
     setConfigurationRoot(root);
     declareConfiguration(root);
     declareTemplateConfiguration(root);

@@ -24,5 +24,8 @@ void registerColorType(pybind11::module_& module);
 pybind11::object wrapScriptObject(const ScriptObjectPtr& object);
 ScriptObjectPtr scriptObjectOf(pybind11::handle object);
 void registerScriptObjects(pybind11::module_& module);
+// Makes the class of a type name known to scripts before any object of it exists
+// (isinstance(x, zut.dialog.DialogHandle)); the class appears when the package is imported.
+VEL_EXPORT void declareScriptObjectType(const QString& type_name);
 
 }  // namespace Vel::GScript

@@ -4,6 +4,7 @@
 #include <pybind11/embed.h>
 
 #include <QString>
+#include <QStringList>
 
 #include "gapp/command.h"
 #include "gscript/python_interpreter.h"
@@ -109,8 +110,10 @@ def _handle_class(type_name):
             module = types.ModuleType(module_name)
             sys.modules[module_name] = module
             parent_name, _, child = module_name.rpartition(".")
-            if parent_name in sys.modules:
-                setattr(sys.modules[parent_name], child, module)
+            # While the package itself is being made it is not in sys.modules yet.
+            parent = _package if parent_name == _package.__name__ else sys.modules.get(parent_name)
+            if parent is not None:
+                setattr(parent, child, module)
         cls = type(name, (_Handle,), {"__slots__": (), "__module__": module_name, "__qualname__": name})
         setattr(module, name, cls)
         _handle_classes[type_name] = cls
@@ -123,7 +126,24 @@ def _wrap(core, type_name):
     return handle
 )";
 
+QStringList& declaredTypes()
+{
+  static QStringList names;
+  return names;
+}
+
 }  // namespace
+
+void declareScriptObjectType(const QString& type_name)
+{
+  if (declaredTypes().contains(type_name))
+    return;
+  declaredTypes() << type_name;
+  // Already imported: the class is made now, else with the package.
+  if (PythonInterpreter::isInitialized() && PySys_GetObject("modules") &&
+      PyDict_GetItemString(PySys_GetObject("modules"), "zut"))
+    py::module_::import("zut").attr("_handle_class")(type_name.toStdString());
+}
 
 py::object wrapScriptObject(const ScriptObjectPtr& object)
 {
@@ -157,7 +177,10 @@ void registerScriptObjects(py::module_& module)
       names.append(name.toStdString());
     return names;
   });
+  module.attr("_package") = module;
   py::exec(HANDLE_CLASS, module.attr("__dict__"));
+  for (const QString& name : declaredTypes())
+    module.attr("_handle_class")(name.toStdString());
 }
 
 }  // namespace Vel::GScript
