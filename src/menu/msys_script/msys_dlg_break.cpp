@@ -47,7 +47,10 @@ void BreakDialogObserver::safePoint(double seconds)
 {
   if (_dialog || !qobject_cast<QApplication*>(QCoreApplication::instance()) || !configurationRoot())
     return;
-  if (seconds < configurationRoot()->getDouble(QString::fromLatin1(CFG_BREAK_DIALOG_TIMEOUT)) || !guiInUse())
+  // Read once a run: safe points come every few tens of milliseconds.
+  if (_timeout < 0)
+    _timeout = configurationRoot()->getDouble(QString::fromLatin1(CFG_BREAK_DIALOG_TIMEOUT));
+  if (seconds < _timeout || !guiInUse())
     return;
   _dialog = new BreakDialog(QApplication::activeWindow());
   _dialog->setAttribute(Qt::WA_DeleteOnClose, false);
@@ -56,6 +59,7 @@ void BreakDialogObserver::safePoint(double seconds)
 
 void BreakDialogObserver::runEnded()
 {
+  _timeout = -1;
   delete _dialog;
 }
 

@@ -36,6 +36,7 @@ public:
 
 private:
   QPointer<BreakDialog> _dialog;
+  double _timeout = -1;  // of the current run; -1 until read
 };
 
 }  // namespace Vel::MSysScript

@@ -242,11 +242,15 @@ bool Execute::checkSourceEncoding(const QByteArray& source, const QString& file_
 {
   PythonInterpreter::initialize();
   try {
-    py::dict scope;
-    scope["__builtins__"] = py::module_::import("builtins");
-    py::exec(SOURCE_CHECK, scope);
-    const py::tuple found =
-        scope["check"](py::bytes(source.constData(), size_t(source.size())), file_name.toStdString());
+    // Made once; kept for the life of the interpreter, which is the life of the process.
+    static py::object* check = nullptr;
+    if (!check) {
+      py::dict scope;
+      scope["__builtins__"] = py::module_::import("builtins");
+      py::exec(SOURCE_CHECK, scope);
+      check = new py::object(scope["check"]);
+    }
+    const py::tuple found = (*check)(py::bytes(source.constData(), size_t(source.size())), file_name.toStdString());
     const int line = found[0].cast<int>();
     if (line == 0)
       return true;
