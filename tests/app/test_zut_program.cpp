@@ -349,6 +349,11 @@ TEST_F(ZutProgram, ScriptsDroppedIntoTheUserLevelBecomeCommands)
   const Result broken = zut({QStringLiteral("call"), QStringLiteral("userscript.broken")});
   EXPECT_EQ(broken.status, 1);
   EXPECT_TRUE(broken.err.contains(QStringLiteral("broken.py\", line 1"))) << qPrintable(broken.err);
+  // A module of the database imports with its declared encoding too.
+  writeFile(scripts + QStringLiteral("/importer.py"), "import latin\n");
+  const Result imported = zut({QStringLiteral("call"), QStringLiteral("userscript.importer")});
+  EXPECT_EQ(imported.out, QStringLiteral("grüße\n")) << qPrintable(imported.err);
+  QFile::remove(scripts + QStringLiteral("/importer.py"));
   QFile::remove(scripts + QStringLiteral("/latin.py"));
   QFile::remove(scripts + QStringLiteral("/broken.py"));
 

@@ -38,9 +38,9 @@ public:
     return names;
   }
 
-  QString getSource(const QString& name) const override
+  QByteArray getSource(const QString& name) const override
   {
-    QString text;
+    QByteArray text;
     DatabaseLock database;
     if (!database)
       return text;
@@ -51,7 +51,7 @@ public:
         continue;
       ErrorLog ignored;
       if (GScript::Script* loaded = database->createLoadedScript(script->getFileName(), ignored)) {
-        text = loaded->getCode();
+        text = loaded->getSource();
         delete loaded;
       }
     }

@@ -1,5 +1,7 @@
 #pragma once
 
+#include <QByteArray>
+
 #include <QString>
 #include <QStringList>
 
@@ -22,8 +24,9 @@ public:
 
   // The importable names ("tools/helpers.py").
   virtual QStringList getNames() const = 0;
-  // The source text for one name; empty when there is none.
-  virtual QString getSource(const QString& name) const = 0;
+  // The source of one name as the file holds it (Python decodes it as the file declares);
+  // empty when there is none.
+  virtual QByteArray getSource(const QString& name) const = 0;
 
   static const std::vector<ImportHandlerSource*>& getSources();
 };

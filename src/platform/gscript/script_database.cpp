@@ -323,7 +323,6 @@ Script* ScriptDatabase::createLoadedScript(const QString& file_name, ErrorLog& l
   loaded->_path = script->_path;
   loaded->_level = script->_level;
   loaded->_metadata = script->_metadata;
-  loaded->_code = QString::fromUtf8(code);
   loaded->_source = code;
   return loaded;
 }

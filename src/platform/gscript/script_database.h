@@ -54,10 +54,8 @@ public:
   // Where the script is on disk.
   const QString& getPath() const { return _path; }
   QString getIconPath() const;
-  // The text, for scripts made by createLoadedScript; empty otherwise.
-  const QString& getCode() const { return _code; }
-  // The file's bytes, for scripts made by createLoadedScript: what Python compiles, with the
-  // encoding the file declares.
+  // The file's bytes, for scripts made by createLoadedScript (empty otherwise): what Python
+  // compiles, with the encoding the file declares.
   const QByteArray& getSource() const { return _source; }
 
 private:
@@ -67,7 +65,6 @@ private:
   QString _path;
   int _level = LEVEL_USER;
   ScriptMetadata _metadata;
-  QString _code;
   QByteArray _source;
   mutable bool _pixmap_loaded = false;
   mutable std::unique_ptr<QPixmap> _pixmap;

@@ -259,12 +259,12 @@ py::list importNames()
   return names;
 }
 
-std::string importSource(const std::string& name)
+py::bytes importSource(const std::string& name)
 {
   for (const ImportHandlerSource* source : ImportHandlerSource::getSources()) {
-    const QString text = source->getSource(QString::fromStdString(name));
-    if (!text.isEmpty())
-      return text.toStdString();
+    const QByteArray bytes = source->getSource(QString::fromStdString(name));
+    if (!bytes.isEmpty())
+      return py::bytes(bytes.constData(), size_t(bytes.size()));
   }
   throw py::import_error("no source for '" + name + "'");
 }

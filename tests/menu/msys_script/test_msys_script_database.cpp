@@ -189,7 +189,7 @@ TEST_F(ScriptDatabaseTest, HigherLevelsHideLowerOnesAndMetadataIsRead)
   ErrorLog log;
   std::unique_ptr<GScript::Script> loaded(database->createLoadedScript(QStringLiteral("shared.py"), log));
   ASSERT_TRUE(loaded);
-  EXPECT_EQ(loaded->getCode(), QStringLiteral("print('user')\n"));
+  EXPECT_EQ(loaded->getSource(), QByteArray("print('user')\n"));
   EXPECT_EQ(database->createLoadedScript(QStringLiteral("missing.py"), log), nullptr);
   EXPECT_FALSE(log.isEmpty());
   EXPECT_EQ(database->getFolder(QStringLiteral("tools"))->getConfigLevel(), GScript::LEVEL_PUBLIC);
