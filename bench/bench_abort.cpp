@@ -74,10 +74,5 @@ BENCHMARK(BM_RunPass)->Unit(benchmark::kMicrosecond);
 
 int main(int argc, char** argv)
 {
-  Vel::GTools::prepareGuiEnvironment();
-  QApplication application(argc, argv);
-  QTemporaryDir dir;
-  const BenchModule module(dir);
-  runBenchmarks(argc, argv);
-  return 0;
+  return runBenchmarksWithModule(argc, argv);
 }

@@ -60,10 +60,5 @@ BENCHMARK(BM_PlainPythonCall)->Unit(benchmark::kMillisecond);
 
 int main(int argc, char** argv)
 {
-  Vel::GTools::prepareGuiEnvironment();
-  QApplication application(argc, argv);
-  QTemporaryDir dir;
-  const BenchModule module(dir);
-  runBenchmarks(argc, argv);
-  return 0;
+  return runBenchmarksWithModule(argc, argv);
 }

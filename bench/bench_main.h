@@ -38,3 +38,14 @@ inline void runBenchmarks(int& argc, char** argv)
   benchmark::RunSpecifiedBenchmarks();
   benchmark::Shutdown();
 }
+
+// The usual main of a benchmark program that needs the module.
+inline int runBenchmarksWithModule(int argc, char** argv)
+{
+  Vel::GTools::prepareGuiEnvironment();
+  QApplication application(argc, argv);
+  QTemporaryDir dir;
+  const BenchModule module(dir);
+  runBenchmarks(argc, argv);
+  return 0;
+}
