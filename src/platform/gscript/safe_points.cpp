@@ -142,7 +142,8 @@ bool python_owns_interrupts = false;
 
 void setInterruptHandler(const char* handler)
 {
-  PyObject* signal = PyImport_ImportModule("signal");
+  // The C module: the signal package would import enum, a cost on every start.
+  PyObject* signal = PyImport_ImportModule("_signal");
   PyObject* result = nullptr;
   if (signal) {
     PyObject* function = PyObject_GetAttrString(signal, handler);

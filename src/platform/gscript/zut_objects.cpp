@@ -120,6 +120,21 @@ def _handle_class(type_name):
     return cls
 
 
+_declared = []
+
+
+def __getattr__(name):
+    # The classes of declared types (zut.dialog.DialogHandle) are made when first asked for:
+    # a script that uses none pays nothing for them.
+    import sys
+    module_name = _package.__name__ + "." + name
+    for type_name in [t for t in _declared if t.rpartition(".")[0] == module_name]:
+        _handle_class(type_name)
+    if module_name in sys.modules:
+        return sys.modules[module_name]
+    raise AttributeError(f"module {_package.__name__!r} has no attribute {name!r}")
+
+
 def _wrap(core, type_name):
     handle = object.__new__(_handle_class(type_name))
     object.__setattr__(handle, "_core", core)
@@ -139,10 +154,10 @@ void declareScriptObjectType(const QString& type_name)
   if (declaredTypes().contains(type_name))
     return;
   declaredTypes() << type_name;
-  // Already imported: the class is made now, else with the package.
+  // Already imported: the package learns of it now, else when it is made.
   if (PythonInterpreter::isInitialized() && PySys_GetObject("modules") &&
       PyDict_GetItemString(PySys_GetObject("modules"), "zut"))
-    py::module_::import("zut").attr("_handle_class")(type_name.toStdString());
+    py::module_::import("zut").attr("_declared").attr("append")(type_name.toStdString());
 }
 
 py::object wrapScriptObject(const ScriptObjectPtr& object)
@@ -180,7 +195,7 @@ void registerScriptObjects(py::module_& module)
   module.attr("_package") = module;
   py::exec(HANDLE_CLASS, module.attr("__dict__"));
   for (const QString& name : declaredTypes())
-    module.attr("_handle_class")(name.toStdString());
+    module.attr("_declared").attr("append")(name.toStdString());
 }
 
 }  // namespace Vel::GScript
