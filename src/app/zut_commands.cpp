@@ -575,7 +575,9 @@ int dialog(ZutHost& host, const QStringList& arguments, bool json)
   QString answers;
   QString record;
   QString screenshot;
+  QString template_name;
   bool dump = false;
+  bool templates_wanted = false;
   for (int i = 0; i < arguments.size(); ++i) {
     const QString& argument = arguments[i];
     const auto value = [&](QString& target) {
@@ -595,17 +597,56 @@ int dialog(ZutHost& host, const QStringList& arguments, bool json)
         return usage("dialog", QStringLiteral("--screenshot needs a FILE.png"));
     } else if (argument == QLatin1String("--dump")) {
       dump = true;
+    } else if (argument == QLatin1String("--templates")) {
+      templates_wanted = true;
+    } else if (argument == QLatin1String("--template")) {
+      if (!value(template_name))
+        return usage("dialog", QStringLiteral("--template needs a NAME (see --templates)"));
     } else if (file.isEmpty() && !argument.startsWith(QLatin1Char('-'))) {
       file = argument;
     } else {
       return usage("dialog", QStringLiteral("unexpected argument '%1'").arg(argument));
     }
   }
-  if (file.isEmpty())
-    return usage("dialog", QStringLiteral("no FILE.xml given"));
+  const ModuleTool<char* (*)(const char*, int*)> templates(host, "DialogTemplates");
+  if (templates_wanted) {
+    int faulty = 0;
+    const std::optional<QString> list = templates ? templates(nullptr, &faulty) : std::nullopt;
+    if (!list || faulty) {
+      printErr(list ? *list + QLatin1Char('\n') : QStringLiteral("zut dialog: the scripting module has no templates\n"));
+      return EXIT_FAILED;
+    }
+    QJsonArray entries;
+    QString text;
+    for (const QString& line : list->split(QLatin1Char('\n'), Qt::SkipEmptyParts)) {
+      const QStringList fields = line.split(QLatin1Char('\t'));
+      entries.append(QJsonObject{{QStringLiteral("name"), fields.value(0)},
+                                 {QStringLiteral("origin"), fields.value(1)},
+                                 {QStringLiteral("path"), fields.value(2)}});
+      text += QStringLiteral("%1  %2\n").arg(fields.value(0), fields.value(1));
+    }
+    if (json)
+      printJson(entries);
+    else
+      printOut(text);
+    return EXIT_OK;
+  }
+  if (file.isEmpty() == template_name.isEmpty())
+    return usage("dialog", QStringLiteral("one FILE.xml or --template NAME is expected"));
   QByteArray content;
-  if (!readSource("dialog", file, content))
+  if (!template_name.isEmpty()) {
+    int faulty = 0;
+    const std::optional<QString> text =
+        templates ? templates(template_name.toUtf8().constData(), &faulty) : std::nullopt;
+    if (!text || faulty) {
+      printErr(text ? *text + QLatin1Char('\n') : QStringLiteral("zut dialog: the scripting module has no templates\n"));
+      return EXIT_FAILED;
+    }
+    content = text->toUtf8();
+    file = template_name;
+  } else if (!readSource("dialog", file, content)) {
     return EXIT_FAILED;
+  }
 
   if (dump || !screenshot.isEmpty()) {
     const ModuleTool<char* (*)(const char*, const char*, int, int*)> describe(host, "DescribeDialog");
@@ -698,11 +739,12 @@ const SubCommand SUB_COMMANDS[] = {
      "each fault as FILE:LINE: message and exits 1 if there is any. --normalize prints the\n"
      "definition as it is written now (older words converted).",
      true, lint},
-    {"dialog", "FILE.xml [--answers A.json] [--record-answers A.json] [--json] | FILE.xml --screenshot PNG | FILE.xml --dump [--json]",
+    {"dialog", "FILE.xml|--template NAME [--answers A.json] [--record-answers A.json] [--json] [--screenshot PNG] [--dump] | --templates",
      "Executes a user-defined dialog and prints its result and values. Without a display it needs\n"
      "answers (--answers or ZUT_DIALOG_ANSWERS), or it fails at once. --screenshot writes a picture\n"
      "of the dialog as it first appears; --dump lists its elements (row, column, spans, type, name,\n"
-     "value, enabled).",
+     "value, enabled). --templates lists the dialog templates to start from; --template NAME uses one\n"
+     "instead of a file.",
      true, dialog},
     {"config", "[KEY [VALUE]] [--json]",
      "Lists the configuration items, prints one, or sets one. A value is checked against the\n"

@@ -535,7 +535,12 @@ TEST_F(ZutProgram, DialogsRunOnAnswersOrFailAtOnceAndArePicturedAndListed)
            Case{{d, example, QStringLiteral("--screenshot"), picture}, 0, "", ""},
            Case{{d, file("broken.xml", "<dialog>\n<title>T</title>\n</dialog>\n"), QStringLiteral("--dump")}, 1, "",
                 "1: The element with tag \"control\" is missing."},
-           Case{{d}, 2, "", "no FILE.xml given"},
+           Case{{d}, 2, "", "one FILE.xml or --template NAME is expected"},
+           Case{{d, QStringLiteral("--templates")}, 0, "progress_with_abort  module\nvalue_query  module\n", ""},
+           Case{{d, QStringLiteral("--template"), QStringLiteral("value_query"), QStringLiteral("--dump")}, 0,
+                "0,0 1x1 input::number value = 0\n", ""},
+           Case{{d, QStringLiteral("--template"), QStringLiteral("none")}, 1, "",
+                "MSysScriptErr-0018: Cannot access the dialog template database."},
        }) {
     const Result result = zut(c.arguments);
     EXPECT_EQ(result.status, c.status) << qPrintable(c.arguments.join(' ')) << "\n" << qPrintable(result.err);
@@ -543,6 +548,13 @@ TEST_F(ZutProgram, DialogsRunOnAnswersOrFailAtOnceAndArePicturedAndListed)
     EXPECT_TRUE(result.err.contains(QString::fromUtf8(c.err))) << qPrintable(result.err);
   }
   EXPECT_FALSE(QImage(picture).isNull());
+  // Templates a station does not want are not listed.
+  ASSERT_EQ(zut({QStringLiteral("config"), QStringLiteral("MSysScript/ScriptDialogTemplateDatabase/InvisibleTemplates"),
+                 QStringLiteral("value_query")})
+                .status,
+            0);
+  EXPECT_EQ(zut({d, QStringLiteral("--templates")}).out,
+            QStringLiteral("progress_with_abort  module\nyes_no_question  module\n"));
 
   // A script's dialogs take the answers in turn and the script goes on with them.
   const QString script = file("two.py", QStringLiteral("import zut, pathlib\n"

@@ -24,6 +24,7 @@
 #include "menu/msys_script/msys_config.h"
 #include "menu/msys_script/msys_dialog_answers.h"
 #include "menu/msys_script/msys_dialog_handles.h"
+#include "menu/msys_script/msys_dialog_templates.h"
 #include "menu/msys_script/msys_dialog_definition.h"
 #include "menu/msys_script/msys_dialog_widgets.h"
 #include "menu/msys_script/msys_dlg_break.h"
@@ -86,6 +87,7 @@ void InitLibrary(Vel::CfgNode* root)
     Color::registerMetaType();
     createCommands();
     declareHandleTypes();
+    DialogTemplateDatabase::registerResource();
     setConfigurationRoot(root);
     declareConfiguration(root);
     declareTemplateConfiguration(root);
@@ -276,6 +278,28 @@ GApp::CommandParameters* CreateParameterDelay(double seconds)
   auto* parameters = new GApp::CommandParameters;
   parameters->set(QStringLiteral("time"), seconds);
   return parameters;
+}
+
+char* DialogTemplates(const char* name, int* faulty)
+{
+  char* result = nullptr;
+  guarded("DialogTemplates", [&] {
+    QString output;
+    *faulty = 0;
+    try {
+      if (name && *name) {
+        output = DialogTemplateDatabase::read(QString::fromUtf8(name));
+      } else {
+        for (const DialogTemplate& entry : DialogTemplateDatabase::list())
+          output += QStringLiteral("%1\t%2\t%3\n").arg(entry.name, entry.origin, entry.path);
+      }
+    } catch (const GApp::CommandError& error) {
+      *faulty = 1;
+      output = error.getText();
+    }
+    result = qstrdup(output.toUtf8().constData());
+  });
+  return result;
 }
 
 void FreeAnalysis(char* analysis)

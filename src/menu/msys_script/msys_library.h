@@ -44,5 +44,8 @@ VEL_EXPORT char* UnusedDialogAnswers();
 // `screenshot`, writes a picture of it there. Sets `faulty` and returns the fault's text
 // instead. Released with FreeAnalysis; null after a program error.
 VEL_EXPORT char* DescribeDialog(const char* text, const char* screenshot, int json, int* faulty);
+// For the program: the dialog templates, one "NAME<TAB>ORIGIN<TAB>PATH" a line, or the text
+// of the template `name` when one is given. Sets `faulty` and returns the fault's text instead.
+VEL_EXPORT char* DialogTemplates(const char* name, int* faulty);
 }
 }  // namespace Vel::MSysScript

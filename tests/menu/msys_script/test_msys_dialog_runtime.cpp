@@ -1,4 +1,7 @@
 #include <QApplication>
+#include <QDir>
+#include <QFile>
+#include <QFileInfo>
 #include <QLineEdit>
 #include <QPushButton>
 #include <QScreen>
@@ -10,6 +13,7 @@
 #include <gtest/gtest.h>
 
 #include "dialog_test_element.h"
+#include "test_util.h"
 #include "gapp/command.h"
 #include "gapp/main_window.h"
 #include "gtools/dialog_widget_supplier.h"
@@ -19,6 +23,7 @@
 #include "menu/msys_script/msys_dialog_answers.h"
 #include "menu/msys_script/msys_dialog_controls.h"
 #include "menu/msys_script/msys_dialog_handles.h"
+#include "menu/msys_script/msys_dialog_templates.h"
 #include "menu/msys_script/msys_dialog_input_widgets.h"
 #include "menu/msys_script/msys_dlg_user_defined.h"
 
@@ -420,6 +425,50 @@ TEST_F(DialogRuntime, RecordedAnswersReplayTheSameDialog)
   DialogAnswers::load(recorded);
   EXPECT_EQ(run(execute, contentArgument(definition())), by_person);
   DialogAnswers::reset();
+}
+
+}  // namespace
+
+namespace {
+
+// The templates a user starts from: the module's own read as any definition does and pass the
+// checks; the user's own hide those of the same name; configured names are not listed.
+TEST(DialogTemplates, AreListedByOriginReadAndHidden)
+{
+  TestElement::registryWithTestElement();
+  DialogTemplateDatabase::registerResource();
+  QTemporaryDir home;
+  const QByteArray saved = qgetenv("XDG_DATA_HOME");
+  qputenv("XDG_DATA_HOME", home.path().toLocal8Bit());
+
+  QStringList names;
+  for (const DialogTemplate& entry : DialogTemplateDatabase::list()) {
+    names << entry.name;
+    EXPECT_EQ(entry.origin, QStringLiteral("module"));
+    EXPECT_TRUE(DialogDefinition::check(DialogTemplateDatabase::read(entry.name)).empty()) << qPrintable(entry.name);
+  }
+  EXPECT_EQ(names, (QStringList{"progress_with_abort", "value_query", "yes_no_question"}));
+
+  QDir().mkpath(DialogTemplateDatabase::userFolder());
+  writeFile(DialogTemplateDatabase::userFolder() + QStringLiteral("/value_query.dialog_template"), "<dialog/>");
+  const auto mine = DialogTemplateDatabase::list();
+  EXPECT_EQ(std::count_if(mine.begin(), mine.end(), [](const DialogTemplate& t) { return t.origin == "user"; }), 1);
+  EXPECT_EQ(DialogTemplateDatabase::read(QStringLiteral("value_query")), QStringLiteral("<dialog/>"));
+
+  for (const char* missing : {"nothing"}) {
+    try {
+      DialogTemplateDatabase::read(QString::fromLatin1(missing));
+      FAIL() << missing;
+    } catch (const GApp::CommandError& error) {
+      EXPECT_EQ(error.getCode(), QStringLiteral("MSysScriptErr-0018"));
+      EXPECT_EQ(error.getLog().getText(), QStringLiteral("There is no dialog template \"nothing\"."));
+    }
+  }
+  QFile::setPermissions(DialogTemplateDatabase::userFolder(), QFile::WriteOwner);
+  if (!QFileInfo(DialogTemplateDatabase::userFolder()).isReadable())  // root reads everything
+    EXPECT_THROW(DialogTemplateDatabase::list(), GApp::CommandError);
+  QFile::setPermissions(DialogTemplateDatabase::userFolder(), QFile::ReadOwner | QFile::WriteOwner | QFile::ExeOwner);
+  qputenv("XDG_DATA_HOME", saved);
 }
 
 }  // namespace
