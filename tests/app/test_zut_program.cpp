@@ -598,7 +598,9 @@ bad.handler = failing
 try:
     zut.script.sys.show_user_defined_dialog(dialog=bad)
 except ValueError as error:
-    print("raised:", error, error.__traceback__.tb_next is not None)
+    import traceback
+    last = traceback.extract_tb(error.__traceback__)[-1]
+    print("raised:", error, last.name, last.lineno)
 try:
     bad2 = zut.script.sys.create_user_defined_dialog(content=xml)
     bad2.points.value = 2.5
@@ -615,7 +617,7 @@ except zut.ScriptTypeError as error:
                            "True StringWidget True False\n"
                            "42.0 set by script ['initialize', 'diameter']\n"
                            "gone: A dialog with this ID does not exist.\n"
-                           "raised: handler failed True\n"
+                           "raised: handler failed failing 23\n"
                            "refused: The value has not the expected type.\n"));
   // A modeless dialog left open when the script ends is closed where nobody can close it.
   const Result left_open = zut({QStringLiteral("run"),
