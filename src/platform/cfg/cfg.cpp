@@ -615,7 +615,8 @@ Cfg::FileState Cfg::readFile(QJsonObject& object, QString& error)
                      .arg(QDir::toNativeSeparators(_file_name), reason, QDir::toNativeSeparators(backup));
   else {
     // It could not be moved aside: never write over it without a copy.
-    _problems << QStringLiteral("%1 is damaged (%2) and could not be kept aside; it will not be written")
+    _problems << QStringLiteral("%1 is damaged (%2) and could not be kept aside; it will be copied to %1.bak "
+                                "before it is written")
                      .arg(QDir::toNativeSeparators(_file_name), reason);
     _backup_before_save = true;
   }
