@@ -226,8 +226,9 @@ TEST(ButtonWidgets, ConfigurationCheckWantsTextOrIcon)
     auto widget = button(c.type, QString::fromLatin1(c.tags));
     QString error;
     EXPECT_EQ(widget->checkConfiguration(&error), c.passes) << c.tags;
-    if (!c.passes)
+    if (!c.passes) {
       EXPECT_EQ(error, QStringLiteral("Button \"b\" contains neither a text nor an icon."));
+    }
   }
 }
 

@@ -165,7 +165,7 @@ struct AttributeCase
   const char* type;
   const char* attribute;
   QVariant written;
-  std::optional<QVariant> read;  // none: reads back as written
+  std::optional<QVariant> read = std::nullopt;  // none: reads back as written
 };
 
 class InputAttributes : public ::testing::TestWithParam<AttributeCase>
