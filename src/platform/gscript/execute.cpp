@@ -220,9 +220,14 @@ bool handleException(py::error_already_set& error, QString& error_code, ErrorLog
 
   // A syntax error has no frames: no traceback object.
   const py::object trace = error.trace() ? error.trace() : py::none();
-  const py::object lines =
-      py::module_::import("traceback").attr("format_exception")(error.type(), error.value(), trace);
-  addLines(log, QString::fromStdString(py::str("").attr("join")(lines).cast<std::string>()));
+  try {
+    const py::object lines =
+        py::module_::import("traceback").attr("format_exception")(error.type(), error.value(), trace);
+    addLines(log, QString::fromStdString(py::str("").attr("join")(lines).cast<std::string>()));
+  } catch (const py::error_already_set&) {
+    // A second Ctrl+C while the traceback is written: the run's own failure still counts.
+    addLines(log, QString::fromUtf8(error.what()));
+  }
   return false;
 }
 
@@ -291,6 +296,7 @@ bool Execute::execute(int /*gui_mode*/, int flags, QString& error_code, ErrorLog
         throw py::error_already_set();
       Py_DECREF(result);
     } catch (py::error_already_set& error) {
+      const SafePoints::Hold hold;
       success = handleException(error, error_code, log);
     }
     _collected = redirection.collected();

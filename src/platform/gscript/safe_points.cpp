@@ -35,6 +35,7 @@ QElapsedTimer run_clock;
 double timeout_seconds = 0;
 double deadline_ms = -1;  // on run_clock; -1 for none
 bool in_events = false;
+int held = 0;  // Hold guards alive
 
 // Made with the first run and parked while no script runs, so that a run costs no thread of
 // its own; the interpreter's end stops it.
@@ -121,8 +122,9 @@ bool safePoint(QString* reason)
 int pendingSafePoint(void*)
 {
   scheduled = false;
-  // A request that was queued before the run ended.
-  if (depth == 0)
+  // A request that was queued before the run ended, or one that comes while the host's own
+  // Python work must not be cut short; the next tick asks again.
+  if (depth == 0 || held > 0)
     return 0;
   QString reason;
   if (!safePoint(&reason))
@@ -261,6 +263,16 @@ void SafePoints::requestAbort()
   schedule();
   // From another thread, the timer thread makes the script notice at once.
   timer.wake.notify_all();
+}
+
+SafePoints::Hold::Hold()
+{
+  ++held;
+}
+
+SafePoints::Hold::~Hold()
+{
+  --held;
 }
 
 bool SafePoints::isAbortPending()

@@ -45,6 +45,16 @@ public:
     Run(const Run&) = delete;
     Run& operator=(const Run&) = delete;
   };
+  // Held while the host itself runs Python that must finish (formatting a failed run's
+  // traceback): no safe point interrupts it meanwhile; an abort waits for the next one.
+  class VEL_EXPORT Hold
+  {
+  public:
+    Hold();
+    ~Hold();
+    Hold(const Hold&) = delete;
+    Hold& operator=(const Hold&) = delete;
+  };
   // Ends the timer thread; the interpreter calls it before it ends.
   static void stopTimer();
   static bool isScriptRunning();
