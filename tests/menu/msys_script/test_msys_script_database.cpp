@@ -355,11 +355,13 @@ TEST_F(ScriptDatabaseTest, FailuresNameTheScriptAsTheDatabaseKnowsItAndSayWhy)
 TEST_F(ScriptDatabaseTest, AnAbortedNestedScriptUnwindsEveryLevel)
 {
   const QString trace = dir.filePath(QStringLiteral("finally.txt"));
+  const QString looping = dir.filePath(QStringLiteral("looping"));
   for (const char* name : {"a", "b", "c"}) {
     const QString next = QString::fromLatin1(name) == QLatin1String("a") ? QStringLiteral("zut.script.userscript.b()")
                          : QString::fromLatin1(name) == QLatin1String("b")
                              ? QStringLiteral("zut.script.userscript.c()")
-                             : QStringLiteral("while True:\n        pass");
+                             : QStringLiteral("open(%1, 'w').close()\n    while True:\n        pass")
+                                   .arg(Vel::quotePythonString(looping));
     add(GScript::LEVEL_USER, QStringLiteral("%1.py").arg(QLatin1String(name)),
         QStringLiteral("import zut\n"
                        "try:\n"
@@ -375,11 +377,17 @@ TEST_F(ScriptDatabaseTest, AnAbortedNestedScriptUnwindsEveryLevel)
   const int locks = PythonScriptDatabase::getLockCount();
   QGuiApplication::setOverrideCursor(Qt::WaitCursor);
   bool busy_cursor_off = false;
-  QTimer::singleShot(100, [&] {
+  // The abort comes once the innermost script loops, however long the three take to start.
+  QTimer innermost;
+  QObject::connect(&innermost, &QTimer::timeout, [&] {
+    if (!QFile::exists(looping))
+      return;
+    innermost.stop();
     busy_cursor_off = QGuiApplication::overrideCursor() == nullptr;
     EXPECT_EQ(PythonScriptDatabase::getLockCount(), locks + 3);
     GApp::MainWindow::requestAbort();
   });
+  innermost.start(10);
   const CommandError error = failure(QStringLiteral("userscript.a"));
   EXPECT_EQ(error.getCode(), QLatin1String(GScript::ERR_SCRIPT_ABORTED));
   EXPECT_EQ(readFile(trace), QByteArray("cba"));
