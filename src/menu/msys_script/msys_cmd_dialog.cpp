@@ -158,7 +158,11 @@ void CloseDialogCommand::execute(const GApp::CommandParameters& parameters)
   std::optional<QVariant> result;
   if (parameters.contains(QStringLiteral("result")))
     result = parameters.get(QStringLiteral("result")).getValue();
+  const bool waited_for = dialog->isWaitedFor();
   dialog->closeWithResult(result);
+  // A waiting command lets its dialog go itself; nothing else holds one that was only made.
+  if (!waited_for)
+    dialog->deleteLater();
 }
 
 }  // namespace Vel::MSysScript
