@@ -474,12 +474,15 @@ TEST_F(ZutProgram, ExampleDialogsPassLintAndBareElementsNormalizeToTheirDefaults
   EXPECT_EQ(lint.status, 0) << qPrintable(lint.err);
 
   QString cells;
-  const QStringList types{"input::number", "input::integer",  "input::string",      "input::slider",
-                          "input::checkbox", "input::date", "input::color", "button::pushbutton", "button::abort"};
+  const QStringList types{"input::number",      "input::integer", "input::string", "input::slider",
+                          "input::checkbox",    "input::date",    "input::color",  "button::pushbutton",
+                          "button::abort",      "label",          "separator",     "spacer::horizontal",
+                          "spacer::vertical"};
   // A checkbox without a label and a push button without a text fail the check, so these two
   // have the one tag they need and nothing else.
   const std::map<QString, QString> needed = {{QStringLiteral("input::checkbox"), QStringLiteral("<title>Twice</title>")},
-                                             {QStringLiteral("button::pushbutton"), QStringLiteral("<text>Go</text>")}};
+                                             {QStringLiteral("button::pushbutton"), QStringLiteral("<text>Go</text>")},
+                                             {QStringLiteral("label"), QStringLiteral("<text>Bore</text>")}};
   for (int column = 0; column < types.size(); ++column)
     cells += QStringLiteral("<widget type=\"%1\" row=\"0\" column=\"%2\"><name>e%2</name>%3</widget>\n")
                  .arg(types[column])
@@ -501,7 +504,8 @@ TEST_F(ZutProgram, ExampleDialogsPassLintAndBareElementsNormalizeToTheirDefaults
                                "<transparency_allowed>false</transparency_allowed>", "<type>push</type>",
                                "<icon_type>none</icon_type>", "<icon_type>system</icon_type>",
                                "<icon_system_type>ok</icon_system_type>", "<icon_system_type>cancel</icon_system_type>",
-                               "<icon_size>icon</icon_size>", "<icon_system_size>default</icon_system_size>"})
+                               "<icon_size>icon</icon_size>", "<icon_system_size>default</icon_system_size>",
+                               "<title></title>", "<minimum_size>0</minimum_size>"})
     EXPECT_TRUE(normalized.out.contains(QString::fromLatin1(expected))) << expected << "\n" << qPrintable(normalized.out);
   EXPECT_FALSE(normalized.out.contains(QStringLiteral("<unit>")));
 }

@@ -36,8 +36,10 @@ void requireAnswer(UserDefinedDialog* dialog)
 QVariant resultOf(const UserDefinedDialog& dialog)
 {
   QVariantMap values;
+  // Elements that only show or arrange (labels, separators, spacers) have no value to return.
   for (const DialogDefinition::Cell* cell : dialog.getElementCells())
-    values.insert(cell->widget->getName(), cell->widget->getValue());
+    if (const QVariant value = cell->widget->getValue(); value.isValid())
+      values.insert(cell->widget->getName(), value);
   return QVariant::fromValue(makeDialogResult(dialog.getResult(), values));
 }
 

@@ -16,6 +16,7 @@
 #include "menu/msys_script/VelMSysXmlTools.h"
 #include "menu/msys_script/msys_dialog_controls.h"
 #include "menu/msys_script/msys_dialog_button_widgets.h"
+#include "menu/msys_script/msys_dialog_display_widgets.h"
 #include "menu/msys_script/msys_dialog_input_widgets.h"
 #include "menu/msys_script/msys_dialog_property.h"
 #include "menu/msys_script/msys_error_codes.h"
@@ -369,6 +370,7 @@ void DialogRegistry::initialize()
     return;
   registry->_initialized = true;
   // Element types: one line each, in the order the editor lists them.
+  registry->addWidgetCreator(new LabelWidgetCreator(DialogWidgetCreator::Category::Output, "Description field", "label"));
   registry->addWidgetCreator(new IntegerWidgetCreator("Integer", "input"));
   registry->addWidgetCreator(new NumberWidgetCreator("Decimal", "input"));
   registry->addWidgetCreator(new StringWidgetCreator("Text entry field", "input"));
@@ -378,6 +380,11 @@ void DialogRegistry::initialize()
   registry->addWidgetCreator(new ColorWidgetCreator("Color", "input"));
   registry->addWidgetCreator(new PushButtonWidgetCreator(DialogWidgetCreator::Category::Buttons, "Button"));
   registry->addWidgetCreator(new AbortButtonWidgetCreator(DialogWidgetCreator::Category::Other, "Abort"));
+  registry->addWidgetCreator(new SeparatorWidgetCreator(DialogWidgetCreator::Category::Layout, "Separator line", "separator"));
+  registry->addWidgetCreator(
+      new HorizontalSpacerWidgetCreator(DialogWidgetCreator::Category::Layout, "Horizontal spacer", "spacer"));
+  registry->addWidgetCreator(
+      new VerticalSpacerWidgetCreator(DialogWidgetCreator::Category::Layout, "Vertical spacer", "spacer"));
 
   // Control rows, with the headings that structure the editor's list of them.
   registry->addControlCreator(new SeparatorControlCreator(editorText("--- No buttons ---")));

@@ -2,6 +2,7 @@
 #include <QDateEdit>
 #include <QDomDocument>
 #include <QDoubleSpinBox>
+#include <QLabel>
 #include <QLineEdit>
 #include <QPainter>
 #include <QPushButton>
@@ -130,7 +131,16 @@ INSTANTIATE_TEST_SUITE_P(
                 "<use_current_date>false</use_current_date><show_today_button>false</show_today_button>"
                 "<default_date><year>2024</year><month>2</month><day>29</day></default_date>",
                 "zut.dialog.DateWidget (name='n', value='Thu Feb 29 2024')",
-                QStringLiteral("zut.dialog.DateWidget (name='n', value='%1')").arg(TODAY)}));
+                QStringLiteral("zut.dialog.DateWidget (name='n', value='%1')").arg(TODAY)},
+        // The display and layout elements print alike whatever they hold, the separator its title.
+        TagCase{"label", "<text>Bore &lt;b&gt;A&lt;/b&gt;</text>", "zut.dialog.LabelWidget (name='n')",
+                "zut.dialog.LabelWidget (name='n')"},
+        TagCase{"separator", "<title>Probing</title>", "zut.dialog.SeparatorWidget (title='Probing')",
+                "zut.dialog.SeparatorWidget (title='')"},
+        TagCase{"spacer::horizontal", "<minimum_size>40</minimum_size>", "zut.dialog.HorizontalSpacerWidget ()",
+                "zut.dialog.HorizontalSpacerWidget ()"},
+        TagCase{"spacer::vertical", "<minimum_size>20</minimum_size>", "zut.dialog.VerticalSpacerWidget ()",
+                "zut.dialog.VerticalSpacerWidget ()"}));
 
 TEST(InputWidgets, ColorStartsTransparentOnlyWhereTransparencyIsAllowed)
 {
@@ -266,6 +276,9 @@ INSTANTIATE_TEST_SUITE_P(
                                   "The value \"huge\" is invalid."},
                       RefusalCase{"button::pushbutton", "text", 5, WRONG_TYPE},
                       RefusalCase{"button::pushbutton", "icon", QByteArray("no picture"), WRONG_TYPE},
+                      RefusalCase{"label", "text", 5, WRONG_TYPE},
+                      RefusalCase{"separator", "title", QVariant(), WRONG_TYPE},
+                      RefusalCase{"spacer::vertical", "minimum_size", -1, WRONG_TYPE},
                       RefusalCase{"button::abort", "toggleable", true,
                                   "The object has no writeable attribute \"toggleable\"."}));
 
@@ -318,7 +331,26 @@ INSTANTIATE_TEST_SUITE_P(
                   "For object \"n\" the value range is zero."},
         CheckCase{"input::slider", "", ""},
         CheckCase{"input::checkbox", "<title> \t</title>", "Element \"n\" does not has a labeling."},
-        CheckCase{"input::checkbox", "<title>Save</title>", ""}));
+        CheckCase{"input::checkbox", "<title>Save</title>", ""},
+        CheckCase{"label", "", "For object \"n\" no text was entered yet."},
+        CheckCase{"label", "<text>Bore</text>", ""}));
+
+TEST(LayoutWidgets, SpacersKeepTheirMinimumAlongTheirDirectionAndTheSeparatorShowsItsTitle)
+{
+  auto horizontal = parsed(QStringLiteral("spacer::horizontal"), QStringLiteral("<minimum_size>40</minimum_size>"));
+  EXPECT_EQ(horizontal->minimumSize(), QSize(40, 0));
+  EXPECT_EQ(horizontal->sizePolicy().horizontalPolicy(), QSizePolicy::Expanding);
+  auto vertical = parsed(QStringLiteral("spacer::vertical"), QString());
+  vertical->__setattr__(QStringLiteral("minimum_size"), 25);
+  EXPECT_EQ(vertical->minimumSize(), QSize(0, 25));
+  EXPECT_EQ(vertical->__getattr__(QStringLiteral("minimum_size")), QVariant(25));
+
+  auto separator = parsed(QStringLiteral("separator"), QStringLiteral("<title>Probing</title>"));
+  separator->show();
+  EXPECT_TRUE(separator->findChild<QLabel*>(QStringLiteral("_title"))->isVisible());
+  separator->__setattr__(QStringLiteral("title"), QString());
+  EXPECT_FALSE(separator->findChild<QLabel*>(QStringLiteral("_title"))->isVisible());
+}
 
 TEST(InputWidgets, ANamelessElementFailsTheBaseCheckFirst)
 {
@@ -485,6 +517,10 @@ TEST(ElementPictures, EveryTypeRendersInBothStyles)
       {QStringLiteral("button::pushbutton"), QStringLiteral("<text>Next bore</text><icon_type>system</icon_type>"
                                                             "<icon_system_type>arrow_right</icon_system_type>")},
       {QStringLiteral("button::abort"), QStringLiteral("<text>Abort</text><icon_system_size>large</icon_system_size>")},
+      {QStringLiteral("label"), QStringLiteral("<text>Diameter of the &lt;b&gt;bore&lt;/b&gt;</text>")},
+      {QStringLiteral("separator"), QStringLiteral("<title>Probing</title>")},
+      {QStringLiteral("spacer::horizontal"), QStringLiteral("<minimum_size>40</minimum_size>")},
+      {QStringLiteral("spacer::vertical"), QStringLiteral("<minimum_size>20</minimum_size>")},
   };
   std::vector<QPixmap> sheet;
   for (auto pos = registry->getWidgetCreatorBegin(); pos != registry->getWidgetCreatorEnd(); ++pos) {
