@@ -2,10 +2,15 @@
 
 #include <QHBoxLayout>
 #include <QLabel>
+#include <QProgressBar>
+
+#include <algorithm>
 
 #include <limits>
 
 #include "core/python_string.h"
+#include "core/translate.h"
+#include "gapp/progress.h"
 #include "gtools/vel_separator.h"
 #include "menu/msys_script/msys_dialog_property.h"
 #include "menu/msys_script/msys_dialog_widget_tools.h"
@@ -89,6 +94,205 @@ std::vector<AttributeInfo> LabelWidget::getAttributeInfo() const
   auto rows = DialogWidget::getAttributeInfo();
   rows.push_back(row(TAG_TEXT, "str", "Label text"));
   return rows;
+}
+
+// ---------------------------------------------------------------------------------------------
+
+namespace {
+
+const QString TAG_MINIMUM = QStringLiteral("minimum");
+const QString TAG_MAXIMUM = QStringLiteral("maximum");
+const QString TAG_PARTS = QStringLiteral("parts");
+const QString TAG_STEP = QStringLiteral("step");
+const QString TAG_MODE = QStringLiteral("mode");
+
+int intArg(const QVariant& value)
+{
+  if (!isInteger(value) || value.toLongLong() < std::numeric_limits<int>::min() ||
+      value.toLongLong() > std::numeric_limits<int>::max())
+    throwTypeError();
+  return static_cast<int>(value.toLongLong());
+}
+
+template <typename T>
+T wordOr(const Xml::Enumeration<T>& table, const QDomNode& node, const QString& tag, T fallback, const char* message)
+{
+  if (!Xml::hasChild(node, tag))
+    return fallback;
+  const QString word = Xml::getValue<QString>(node, tag);
+  try {
+    return table.create(word);
+  } catch (const ScriptTypeException&) {
+    throw Xml::ParseException(Xml::getChild(node, tag), errorText(message).arg(word));
+  }
+}
+
+template <typename T>
+T wordArg(const Xml::Enumeration<T>& table, const QVariant& value, const char* message)
+{
+  const QString word = textArg(value);
+  try {
+    return table.create(word);
+  } catch (const ScriptTypeException&) {
+    throw ScriptTypeException(errorText(message).arg(word));
+  }
+}
+
+}  // namespace
+
+const QString ProgressBarWidget::TYPE_ID = QStringLiteral("display::progressbar");
+
+const Xml::Enumeration<ProgressBarWidget::Text::Type_t>& ProgressBarWidget::texts()
+{
+  static const Xml::Enumeration<Text::Type_t> table(Text::Percentage, {{Text::None, QStringLiteral("none")},
+                                                                       {Text::Percentage, QStringLiteral("percentage")},
+                                                                       {Text::Step, QStringLiteral("step")}});
+  return table;
+}
+
+const Xml::Enumeration<ProgressBarWidget::Mode::Type_t>& ProgressBarWidget::modes()
+{
+  static const Xml::Enumeration<Mode::Type_t> table(
+      Mode::Manual, {{Mode::System, QStringLiteral("system")}, {Mode::Manual, QStringLiteral("manual")}});
+  return table;
+}
+
+ProgressBarWidget::ProgressBarWidget() : DialogWidget(TYPE_ID), _bar(new QProgressBar(this))
+{
+  innerLayout(this)->addWidget(_bar);
+  _bar->setRange(0, 100);
+  _bar->setValue(0);
+  // One interface reports the application's progress; a bar in system mode follows it.
+  connect(&GApp::Progress::getInstance(), &GApp::Progress::signalProgressChanged, this,
+          &ProgressBarWidget::slotProgress);
+  connect(&GApp::Progress::getInstance(), &GApp::Progress::signalProgressCleared, this,
+          &ProgressBarWidget::slotProgress);
+  updateWidget();
+}
+
+QVariant ProgressBarWidget::getValue() const
+{
+  return _bar->value();
+}
+
+void ProgressBarWidget::parseXml(const QDomNode& node)
+{
+  DialogWidget::parseXml(node);
+  const int minimum = valueOr(node, TAG_MINIMUM, 0);
+  const int maximum = valueOr(node, TAG_MAXIMUM, 100);
+  const int value = valueOr(node, TAG_VALUE, minimum);
+  const int parts = valueOr(node, TAG_PARTS, 1);
+  const int step = valueOr(node, TAG_STEP, 0);
+  const auto text = wordOr(texts(), node, TAG_TEXT, Text::Percentage, "The labeling \"%1\" is invalid.");
+  const auto mode = wordOr(modes(), node, TAG_MODE, Mode::Manual, "The type \"%1\" is invalid.");
+  _bar->setRange(minimum, std::max(minimum, maximum));
+  _bar->setValue(std::clamp(value, _bar->minimum(), _bar->maximum()));
+  _parts = std::max(1, parts);
+  _step = step;
+  _text = text;
+  _mode = mode;
+  updateWidget();
+}
+
+void ProgressBarWidget::createXml(QDomDocument* document, QDomElement* element) const
+{
+  DialogWidget::createXml(document, element);
+  element->appendChild(Xml::createValue(document, TAG_VALUE, _bar->value()));
+  element->appendChild(Xml::createValue(document, TAG_MINIMUM, _bar->minimum()));
+  element->appendChild(Xml::createValue(document, TAG_MAXIMUM, _bar->maximum()));
+  element->appendChild(Xml::createValue(document, TAG_PARTS, _parts));
+  element->appendChild(Xml::createValue(document, TAG_STEP, _step));
+  element->appendChild(Xml::createValue(document, TAG_TEXT, texts().getId(_text)));
+  element->appendChild(Xml::createValue(document, TAG_MODE, modes().getId(_mode)));
+}
+
+QString ProgressBarWidget::__repr__() const
+{
+  return QStringLiteral("zut.dialog.ProgressBarWidget (name='%1', value=%4, minimum=%5, maximum=%6, text=%2, "
+                        "mode=%3, parts=%7, step=%8)")
+      .arg(nameText(this), texts().getId(_text), modes().getId(_mode))
+      .arg(_bar->value())
+      .arg(_bar->minimum())
+      .arg(_bar->maximum())
+      .arg(_parts)
+      .arg(_step);
+}
+
+QVariant ProgressBarWidget::__getattr__(const QString& name) const
+{
+  if (name == TAG_MINIMUM)
+    return _bar->minimum();
+  if (name == TAG_MAXIMUM)
+    return _bar->maximum();
+  if (name == TAG_PARTS)
+    return _parts;
+  if (name == TAG_STEP)
+    return _step;
+  if (name == TAG_TEXT)
+    return texts().getId(_text);
+  if (name == TAG_MODE)
+    return modes().getId(_mode);
+  return DialogWidget::__getattr__(name);
+}
+
+void ProgressBarWidget::__setattr__(const QString& name, const QVariant& value)
+{
+  if (name == TAG_VALUE)
+    _bar->setValue(std::clamp(intArg(value), _bar->minimum(), _bar->maximum()));
+  else if (name == TAG_MINIMUM)
+    _bar->setRange(intArg(value), std::max(intArg(value), _bar->maximum()));
+  else if (name == TAG_MAXIMUM)
+    _bar->setRange(std::min(_bar->minimum(), intArg(value)), intArg(value));
+  else if (name == TAG_PARTS)
+    _parts = std::max(1, intArg(value));
+  else if (name == TAG_STEP)
+    _step = intArg(value);
+  else if (name == TAG_TEXT)
+    _text = wordArg(texts(), value, "The text \"%1\" is invalid.");
+  else if (name == TAG_MODE)
+    _mode = wordArg(modes(), value, "The type \"%1\" is invalid.");
+  else {
+    DialogWidget::__setattr__(name, value);
+    return;
+  }
+  updateWidget();
+}
+
+std::vector<AttributeInfo> ProgressBarWidget::getAttributeInfo() const
+{
+  auto rows = withValueType(DialogWidget::getAttributeInfo(), "int");
+  for (AttributeInfo& info : rows)
+    if (info.name == TAG_VALUE)
+      info.description = attributeText("Current value");
+  rows.push_back(row(TAG_MINIMUM, "int", "Minimum value"));
+  rows.push_back(row(TAG_MAXIMUM, "int", "Maximum value"));
+  rows.push_back(row(TAG_PARTS, "int", "Progress bar parts"));
+  rows.push_back(row(TAG_STEP, "int", "Current progress bar step"));
+  const QStringList text_words = texts().getIds();
+  rows.push_back({TAG_TEXT, QStringLiteral("str"),
+                  attributeText("Progress bar text mode (%1, %2, %3)").arg(text_words[0], text_words[1], text_words[2]),
+                  false});
+  const QStringList mode_words = modes().getIds();
+  rows.push_back({TAG_MODE, QStringLiteral("str"),
+                  attributeText("Progress bar mode (%1, %2)").arg(mode_words[0], mode_words[1]), false});
+  return rows;
+}
+
+void ProgressBarWidget::updateWidget()
+{
+  _bar->setTextVisible(_text != Text::None);
+  _bar->setFormat(_text == Text::Step ? QStringLiteral("%1 / %2").arg(_step).arg(_parts) : QStringLiteral("%p%"));
+  if (_mode == Mode::System)
+    slotProgress();
+}
+
+// The application's share of work done, over the bar's range.
+void ProgressBarWidget::slotProgress()
+{
+  if (_mode != Mode::System)
+    return;
+  const GApp::Progress& progress = GApp::Progress::getInstance();
+  _bar->setValue(_bar->minimum() + static_cast<int>(progress.getShare() * (_bar->maximum() - _bar->minimum())));
 }
 
 // ---------------------------------------------------------------------------------------------
@@ -226,6 +430,23 @@ LabelConfiguration::LabelConfiguration(QWidget* parent) : ElementConfiguration(p
   addCommonProperties();
   addProperty(new SeparatorProperty(otherText("Description field")));
   addProperty(new TextProperty(TAG_TEXT, otherText("Text")));
+}
+
+ProgressBarConfiguration::ProgressBarConfiguration(QWidget* parent) : ElementConfiguration(parent)
+{
+  const auto widgetText = [](const char* text) { return translate("MSysScript_DialogWidget_other", text, ""); };
+  addCommonProperties();
+  addProperty(new SeparatorProperty(otherText("Progress bar")));
+  addProperty(new SelectorProperty(TAG_MODE, otherText("Type"),
+                                   {{otherText("Automatic"), QStringLiteral("system")},
+                                    {otherText("Manual"), QStringLiteral("manual")}}));
+  addProperty(new IntegerProperty(DialogWidget::TAG_VALUE, otherText("Default value")));
+  addProperty(new IntegerProperty(TAG_MINIMUM, otherText("Minimum")));
+  addProperty(new IntegerProperty(TAG_MAXIMUM, otherText("Maximum")));
+  addProperty(new SelectorProperty(TAG_TEXT, otherText("Labeling"),
+                                   {{widgetText("No labeling"), QStringLiteral("none")},
+                                    {widgetText("Percent"), QStringLiteral("percentage")},
+                                    {widgetText("Step"), QStringLiteral("step")}}));
 }
 
 SeparatorConfiguration::SeparatorConfiguration(QWidget* parent) : ElementConfiguration(parent)

@@ -1,13 +1,69 @@
 #pragma once
 
+#include "menu/msys_script/VelMSysXmlTools.h"
 #include "menu/msys_script/msys_dialog_widgets.h"
 
 class QLabel;
+class QProgressBar;
 class Vel_Separator;
 
 // Elements that show rather than ask, and those that only arrange the others: a label, a
-// separator line and the two spacers.
+// progress bar, a separator line and the two spacers.
 namespace Vel::MSysScript {
+
+// A bar that shows how far work has come: set by scripts ("manual"), or following the progress
+// the application reports ("system"). Its label shows nothing, the percentage, or the step of
+// the parts the work has.
+class ProgressBarWidget : public DialogWidget
+{
+  Q_OBJECT
+
+public:
+  static const QString TYPE_ID;
+  struct Text
+  {
+    enum Type_t
+    {
+      None,
+      Percentage,
+      Step
+    };
+  };
+  struct Mode
+  {
+    enum Type_t
+    {
+      System,
+      Manual
+    };
+  };
+  static const Xml::Enumeration<Text::Type_t>& texts();
+  static const Xml::Enumeration<Mode::Type_t>& modes();
+
+  ProgressBarWidget();
+
+  QProgressBar* bar() const { return _bar; }
+  QVariant getValue() const override;
+  void parseXml(const QDomNode& node) override;
+  void createXml(QDomDocument* document, QDomElement* element) const override;
+  QString __repr__() const override;
+  QVariant __getattr__(const QString& name) const override;
+  void __setattr__(const QString& name, const QVariant& value) override;
+
+protected:
+  std::vector<AttributeInfo> getAttributeInfo() const override;
+  void updateWidget() override;
+
+private Q_SLOTS:
+  void slotProgress();
+
+private:
+  QProgressBar* _bar;
+  int _parts = 1;
+  int _step = 0;
+  Text::Type_t _text = Text::Percentage;
+  Mode::Type_t _mode = Mode::Manual;
+};
 
 class LabelWidget : public DialogWidget
 {
@@ -111,6 +167,14 @@ public:
   explicit LabelConfiguration(QWidget* parent);
 };
 
+class ProgressBarConfiguration : public ElementConfiguration
+{
+  Q_OBJECT
+
+public:
+  explicit ProgressBarConfiguration(QWidget* parent);
+};
+
 class SeparatorConfiguration : public ElementConfiguration
 {
   Q_OBJECT
@@ -159,6 +223,7 @@ public:
 };
 
 using LabelWidgetCreator = DisplayWidgetCreator<LabelWidget, LabelConfiguration>;
+using ProgressBarWidgetCreator = DisplayWidgetCreator<ProgressBarWidget, ProgressBarConfiguration>;
 using SeparatorWidgetCreator = DisplayWidgetCreator<SeparatorWidget, SeparatorConfiguration>;
 using HorizontalSpacerWidgetCreator = DisplayWidgetCreator<HorizontalSpacerWidget, HorizontalSpacerConfiguration>;
 using VerticalSpacerWidgetCreator = DisplayWidgetCreator<VerticalSpacerWidget, VerticalSpacerConfiguration>;

@@ -371,6 +371,8 @@ void DialogRegistry::initialize()
   registry->_initialized = true;
   // Element types: one line each, in the order the editor lists them.
   registry->addWidgetCreator(new LabelWidgetCreator(DialogWidgetCreator::Category::Output, "Description field", "label"));
+  registry->addWidgetCreator(
+      new ProgressBarWidgetCreator(DialogWidgetCreator::Category::Output, "Progress bar", "progressbar"));
   registry->addWidgetCreator(new IntegerWidgetCreator("Integer", "input"));
   registry->addWidgetCreator(new NumberWidgetCreator("Decimal", "input"));
   registry->addWidgetCreator(new StringWidgetCreator("Text entry field", "input"));

@@ -16,6 +16,7 @@
 #include "cfg/cfg.h"
 #include "core/color.h"
 #include "dialog_test_element.h"
+#include "gapp/progress.h"
 #include "gtools/vel_color_button.h"
 #include "gtools/vel_slider.h"
 #include "gtools/vel_spin.h"
@@ -135,6 +136,13 @@ INSTANTIATE_TEST_SUITE_P(
         // The display and layout elements print alike whatever they hold, the separator its title.
         TagCase{"label", "<text>Bore &lt;b&gt;A&lt;/b&gt;</text>", "zut.dialog.LabelWidget (name='n')",
                 "zut.dialog.LabelWidget (name='n')"},
+        TagCase{"display::progressbar",
+                "<value>7</value><minimum>-10</minimum><maximum>10</maximum><parts>4</parts><step>2</step>"
+                "<text>step</text><mode>system</mode>",
+                "zut.dialog.ProgressBarWidget (name='n', value=-10, minimum=-10, maximum=10, text=step, mode=system, "
+                "parts=4, step=2)",
+                "zut.dialog.ProgressBarWidget (name='n', value=0, minimum=0, maximum=100, text=percentage, "
+                "mode=manual, parts=1, step=0)"},
         TagCase{"separator", "<title>Probing</title>", "zut.dialog.SeparatorWidget (title='Probing')",
                 "zut.dialog.SeparatorWidget (title='')"},
         TagCase{"spacer::horizontal", "<minimum_size>40</minimum_size>", "zut.dialog.HorizontalSpacerWidget ()",
@@ -277,6 +285,11 @@ INSTANTIATE_TEST_SUITE_P(
                       RefusalCase{"button::pushbutton", "text", 5, WRONG_TYPE},
                       RefusalCase{"button::pushbutton", "icon", QByteArray("no picture"), WRONG_TYPE},
                       RefusalCase{"label", "text", 5, WRONG_TYPE},
+                      RefusalCase{"display::progressbar", "text", QStringLiteral("Percent"),
+                                  "The text \"Percent\" is invalid."},
+                      RefusalCase{"display::progressbar", "mode", QStringLiteral("auto"),
+                                  "The type \"auto\" is invalid."},
+                      RefusalCase{"display::progressbar", "value", 2.5, WRONG_TYPE},
                       RefusalCase{"separator", "title", QVariant(), WRONG_TYPE},
                       RefusalCase{"spacer::vertical", "minimum_size", -1, WRONG_TYPE},
                       RefusalCase{"button::abort", "toggleable", true,
@@ -334,6 +347,21 @@ INSTANTIATE_TEST_SUITE_P(
         CheckCase{"input::checkbox", "<title>Save</title>", ""},
         CheckCase{"label", "", "For object \"n\" no text was entered yet."},
         CheckCase{"label", "<text>Bore</text>", ""}));
+
+// A bar in system mode follows the progress the application reports; in manual mode only the
+// script moves it.
+TEST(DisplayWidgets, AProgressBarFollowsTheApplicationOnlyInSystemMode)
+{
+  auto system = parsed(QStringLiteral("display::progressbar"), QStringLiteral("<mode>system</mode>"));
+  auto manual = parsed(QStringLiteral("display::progressbar"), QStringLiteral("<value>5</value>"));
+  Vel::GApp::Progress::getInstance().report(3, 4, QStringLiteral("measuring"));
+  EXPECT_EQ(system->getValue(), QVariant(75));
+  EXPECT_EQ(manual->getValue(), QVariant(5));
+  manual->__setattr__(QStringLiteral("value"), 500);
+  EXPECT_EQ(manual->getValue(), QVariant(100));
+  Vel::GApp::Progress::getInstance().clear();
+  EXPECT_EQ(system->getValue(), QVariant(0));
+}
 
 TEST(LayoutWidgets, SpacersKeepTheirMinimumAlongTheirDirectionAndTheSeparatorShowsItsTitle)
 {
@@ -519,6 +547,7 @@ TEST(ElementPictures, EveryTypeRendersInBothStyles)
       {QStringLiteral("button::abort"), QStringLiteral("<text>Abort</text><icon_system_size>large</icon_system_size>")},
       {QStringLiteral("label"), QStringLiteral("<text>Diameter of the &lt;b&gt;bore&lt;/b&gt;</text>")},
       {QStringLiteral("separator"), QStringLiteral("<title>Probing</title>")},
+      {QStringLiteral("display::progressbar"), QStringLiteral("<value>40</value>")},
       {QStringLiteral("spacer::horizontal"), QStringLiteral("<minimum_size>40</minimum_size>")},
       {QStringLiteral("spacer::vertical"), QStringLiteral("<minimum_size>20</minimum_size>")},
   };
