@@ -106,14 +106,6 @@ const QString TAG_PARTS = QStringLiteral("parts");
 const QString TAG_STEP = QStringLiteral("step");
 const QString TAG_MODE = QStringLiteral("mode");
 
-int intArg(const QVariant& value)
-{
-  if (!isInteger(value) || value.toLongLong() < std::numeric_limits<int>::min() ||
-      value.toLongLong() > std::numeric_limits<int>::max())
-    throwTypeError();
-  return static_cast<int>(value.toLongLong());
-}
-
 template <typename T>
 T wordOr(const Xml::Enumeration<T>& table, const QDomNode& node, const QString& tag, T fallback, const char* message)
 {

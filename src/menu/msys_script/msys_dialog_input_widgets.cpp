@@ -74,18 +74,6 @@ double numberArg(const QVariant& value)
   return number;
 }
 
-int intArg(const QVariant& value)
-{
-  if (!isInteger(value))
-    throwTypeError();
-  if (value.typeId() == QMetaType::ULongLong) {
-    if (value.toULongLong() > static_cast<qulonglong>(INT_MAX_VALUE))
-      throwTypeError();
-  } else if (value.toLongLong() < INT_MIN_VALUE || value.toLongLong() > INT_MAX_VALUE) {
-    throwTypeError();
-  }
-  return static_cast<int>(value.toLongLong());
-}
 
 QDate dateArg(const QVariant& value)
 {

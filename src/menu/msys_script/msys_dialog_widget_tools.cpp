@@ -2,6 +2,8 @@
 
 #include <QHBoxLayout>
 
+#include <limits>
+
 #include "core/python_string.h"
 #include "core/translate.h"
 #include "menu/msys_script/msys_error_codes.h"
@@ -49,6 +51,21 @@ bool boolArg(const QVariant& value)
   if (value.typeId() != QMetaType::Bool && !isInteger(value))
     throwTypeError();
   return value.toBool();
+}
+
+int intArg(const QVariant& value)
+{
+  if (!isInteger(value))
+    throwTypeError();
+  const int low = std::numeric_limits<int>::min();
+  const int high = std::numeric_limits<int>::max();
+  if (value.typeId() == QMetaType::ULongLong) {
+    if (value.toULongLong() > static_cast<qulonglong>(high))
+      throwTypeError();
+  } else if (value.toLongLong() < low || value.toLongLong() > high) {
+    throwTypeError();
+  }
+  return static_cast<int>(value.toLongLong());
 }
 
 QString textArg(const QVariant& value)

@@ -29,6 +29,7 @@ QString otherText(const char* text);
 [[noreturn]] void throwTypeError();
 bool isInteger(const QVariant& value);
 bool boolArg(const QVariant& value);
+int intArg(const QVariant& value);
 QString textArg(const QVariant& value);
 
 // Python's words for a truth value.

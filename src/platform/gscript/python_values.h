@@ -7,6 +7,7 @@
 #include <memory>
 
 #include "core/script_type.h"
+#include "gapp/command.h"
 #include "core/vel_export.h"
 
 namespace Vel::GScript {
@@ -24,6 +25,10 @@ void registerColorType(pybind11::module_& module);
 pybind11::object wrapScriptObject(const ScriptObjectPtr& object);
 ScriptObjectPtr scriptObjectOf(pybind11::handle object);
 void registerScriptObjects(pybind11::module_& module);
+// The host's refusals as the script's exceptions: zut.CommandError (KeyboardInterrupt for an
+// aborted run) and zut.ScriptTypeError.
+[[noreturn]] void raiseCommandError(const GApp::CommandError& error);
+[[noreturn]] void raiseScriptTypeError(const ScriptTypeException& error);
 // Makes the class of a type name known to scripts before any object of it exists
 // (isinstance(x, zut.dialog.DialogHandle)); the class appears when the package is imported.
 VEL_EXPORT void declareScriptObjectType(const QString& type_name);

@@ -21,14 +21,6 @@ struct Core
   ScriptObjectPtr object;
 };
 
-[[noreturn]] void raise(const char* class_name, const py::tuple& arguments)
-{
-  const py::object cls = py::module_::import("zut").attr(class_name);
-  const py::object instance = cls(*arguments);
-  PyErr_SetObject(cls.ptr(), instance.ptr());
-  throw py::error_already_set();
-}
-
 // The object's refusals as the script's exceptions.
 template <typename Body>
 auto guarded(Body body) -> decltype(body())
@@ -36,10 +28,9 @@ auto guarded(Body body) -> decltype(body())
   try {
     return body();
   } catch (const GApp::CommandError& error) {
-    raise("CommandError", py::make_tuple(error.getCode().toStdString(), error.getMessage().toStdString(),
-                                         error.getLog().getText().toStdString()));
+    raiseCommandError(error);
   } catch (const ScriptTypeException& error) {
-    raise("ScriptTypeError", py::make_tuple(error.getMessage().toStdString()));
+    raiseScriptTypeError(error);
   }
 }
 

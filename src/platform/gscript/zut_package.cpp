@@ -70,6 +70,23 @@ CommandNamespace attribute(const CommandNamespace& self, const std::string& name
   throw py::error_already_set();
 }
 
+}  // namespace
+
+void raiseCommandError(const GApp::CommandError& error)
+{
+  if (error.getCode() == QLatin1String(ERR_SCRIPT_ABORTED))
+    raiseInterrupt(error.getLog());
+  raise("CommandError", py::make_tuple(error.getCode().toStdString(), error.getMessage().toStdString(),
+                                       error.getLog().getText().toStdString()));
+}
+
+void raiseScriptTypeError(const ScriptTypeException& error)
+{
+  raise("ScriptTypeError", py::make_tuple(error.getMessage().toStdString()));
+}
+
+namespace {
+
 // zut.progress(done, total, text=""): the script's own progress, shown by progress displays.
 void progress(double done, double total, const std::string& text)
 {
@@ -103,12 +120,9 @@ py::object call(const CommandNamespace& self, const py::args& args, const py::kw
   try {
     return fromVariant(command->run(parameters, self.interactive));
   } catch (const GApp::CommandError& error) {
-    if (error.getCode() == QLatin1String(ERR_SCRIPT_ABORTED))
-      raiseInterrupt(error.getLog());
-    raise("CommandError", py::make_tuple(error.getCode().toStdString(), error.getMessage().toStdString(),
-                                         error.getLog().getText().toStdString()));
+    raiseCommandError(error);
   } catch (const ScriptTypeException& error) {
-    raise("ScriptTypeError", py::make_tuple(error.getMessage().toStdString()));
+    raiseScriptTypeError(error);
   } catch (const ProgError& error) {
     throw std::runtime_error(std::string("internal error: ") + error.what());
   }
