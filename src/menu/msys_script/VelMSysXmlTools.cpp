@@ -139,11 +139,19 @@ QString getCData(const QDomNode& node, const QString& tag)
 {
   const QDomElement child = getChild(node, tag);
   const QDomNodeList nodes = child.childNodes();
-  if (nodes.size() != 1)
-    throw ParseException(child, translate("MSysScript_Dialog_err", "Only one child element is allowed.", ""));
-  if (!nodes.at(0).isCDATASection())
+  if (nodes.isEmpty())
     throw ParseException(child, translate("MSysScript_Dialog_err", "The section \"CDATA\" is expected.", ""));
-  return nodes.at(0).nodeValue();
+  // A text holding "]]>" can only be written as adjacent sections, split inside it: they are one
+  // text again. Anything else beside a section is not ours.
+  QString text;
+  for (int i = 0; i < nodes.size(); ++i) {
+    if (!nodes.at(i).isCDATASection())
+      throw ParseException(child, nodes.size() == 1
+                                      ? translate("MSysScript_Dialog_err", "The section \"CDATA\" is expected.", "")
+                                      : translate("MSysScript_Dialog_err", "Only one child element is allowed.", ""));
+    text += nodes.at(i).nodeValue();
+  }
+  return text;
 }
 
 QDomNode createCData(QDomDocument* document, const QString& tag, const QString& text)

@@ -217,7 +217,7 @@ class DisplayWidgetCreator : public ElementCreator<Widget, Configuration>
 {
 public:
   DisplayWidgetCreator(DialogWidgetCreator::Category::Type_t category, const char* displayName, const char* keyWord)
-      : ElementCreator<Widget, Configuration>(category, "MSysScript_DialogEditor_other", displayName, keyWord)
+      : ElementCreator<Widget, Configuration>(category, "MSysScript_DialogElement_other", displayName, keyWord)
   {
   }
 };

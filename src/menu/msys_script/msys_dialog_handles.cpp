@@ -87,6 +87,10 @@ public:
   {
     dialog()->setFromScript(element(), name, value);
   }
+  bool takesScriptObject(const QString& name) const override
+  {
+    return name == DialogWidget::TAG_LIMITS && getAttributeNames().contains(name);
+  }
   QStringList getAttributeNames() const override
   {
     QStringList names = element()->__getattr__(DialogWidget::TAG_ATTRIBUTES).toMap().keys();

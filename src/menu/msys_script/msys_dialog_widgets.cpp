@@ -10,6 +10,7 @@
 #include <algorithm>
 
 #include "core/prog_error.h"
+#include "gscript/python_interpreter.h"
 #include "core/translate.h"
 #include "gtools/error_dialog.h"
 #include "gtools/vel_tool_tip_label.h"
@@ -20,6 +21,8 @@
 #include "menu/msys_script/msys_dialog_input_widgets.h"
 #include "menu/msys_script/msys_dialog_property.h"
 #include "menu/msys_script/msys_error_codes.h"
+#include "menu/msys_script/msys_tools_python.h"
+#include "menu/msys_script/msys_value_limits.h"
 
 namespace Vel::MSysScript {
 
@@ -45,6 +48,7 @@ const QString DialogWidget::TAG_ENABLED = QStringLiteral("enabled");
 const QString DialogWidget::TAG_VALUE = QStringLiteral("value");
 const QString DialogWidget::TAG_ATTRIBUTES = QStringLiteral("attributes");
 const QString DialogWidget::TAG_FOCUS = QStringLiteral("focus");
+const QString DialogWidget::TAG_LIMITS = QStringLiteral("limits");
 
 DialogWidget::DialogWidget(const QString& creatorId) : _creator_id(creatorId) {}
 
@@ -132,8 +136,21 @@ void DialogWidget::__setattr__(const QString& name, const QVariant& value)
   else if (name == TAG_FOCUS) {
     if (value.toBool())
       takeFocus();
+  } else if (name == TAG_LIMITS && value.typeId() == GScript::PythonCallable::typeId()) {
+    // The script's own object, read by the rules for value limits; one that matches none of
+    // them is a wrong value like any other.
+    const std::unique_ptr<ValueLimits> limits(
+        createValueLimits(static_cast<PyObject*>(value.value<GScript::PythonCallable>().get())));
+    if (!limits)
+      throw ScriptTypeException(errorText("The value has not the expected type."));
+    setValueLimits(*limits);
   } else
     throwNotWritable(name);
+}
+
+void DialogWidget::setValueLimits(const ValueLimits&)
+{
+  throwNotWritable(TAG_LIMITS);
 }
 
 std::vector<AttributeInfo> DialogWidget::getAttributeInfo() const

@@ -25,6 +25,7 @@ namespace Vel::MSysScript {
 
 class Property;
 class PropertyEditorModel;
+class ValueLimits;
 
 // One element of a user-defined dialog's grid. Each element type reads and writes its own part
 // of the definition and answers the script's attribute requests.
@@ -48,6 +49,8 @@ public:
   static const QString TAG_VALUE;
   static const QString TAG_ATTRIBUTES;
   static const QString TAG_FOCUS;
+  // The values an element allows, as scripts give them with a plain Python object.
+  static const QString TAG_LIMITS;
 
   explicit DialogWidget(const QString& creatorId);
 
@@ -72,6 +75,9 @@ public:
   virtual QString __doc__() const;
   virtual QVariant __getattr__(const QString& name) const;
   virtual void __setattr__(const QString& name, const QVariant& value);
+  // Takes limits of the element's own kind (numbers, list entries, file types) and refuses any
+  // other with the script error of a wrong value; types without limits have no such attribute.
+  virtual void setValueLimits(const ValueLimits& limits);
 
   // The line of the definition that the element was read from; -1 when not read.
   int getSourceLine() const { return _source_line; }

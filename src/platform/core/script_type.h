@@ -57,6 +57,9 @@ public:
   // the command error or script type error it is.
   virtual QVariant getAttribute(const QString& name, bool* found) const = 0;
   virtual void setAttribute(const QString& name, const QVariant& value) = 0;
+  // Attributes that take the script's object itself (held as a GScript::PythonCallable) rather
+  // than its converted value: value limits, whose Python form decides what they mean.
+  virtual bool takesScriptObject(const QString& name) const { return false; }
   virtual QStringList getAttributeNames() const = 0;
   virtual QString getRepr() const = 0;
   virtual QString getDoc() const = 0;

@@ -56,8 +56,8 @@ public:
   static void call(const class QVariant& callable, const QList<QVariant>& arguments);
 };
 
-// A Python callable held by the application (a dialog's change handler); the reference is
-// dropped under the interpreter lock.
+// A Python object held by the application (a dialog's change handler, value limits as a script
+// gave them); the reference is dropped under the interpreter lock.
 class VEL_EXPORT PythonCallable
 {
 public:

@@ -48,8 +48,11 @@ py::object get(const Core& core, const std::string& name)
 
 void set(const Core& core, const std::string& name, const py::object& value)
 {
-  // A function is kept as it is (a change handler); other values travel as command values do.
-  const QVariant converted = PyCallable_Check(value.ptr()) && !PyType_Check(value.ptr())
+  // A function is kept as it is (a change handler), and so is any object for an attribute that
+  // reads the object itself; other values travel as command values do.
+  const bool kept = guarded([&] { return core.object->takesScriptObject(QString::fromStdString(name)); }) ||
+                    (PyCallable_Check(value.ptr()) && !PyType_Check(value.ptr()));
+  const QVariant converted = kept
                                  ? QVariant::fromValue(PythonCallable(value.ptr()))
                                  : toVariant(value);
   guarded([&] { core.object->setAttribute(QString::fromStdString(name), converted); });
