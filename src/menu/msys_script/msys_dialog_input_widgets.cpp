@@ -6,10 +6,12 @@
 #include <QHBoxLayout>
 #include <QLineEdit>
 #include <QPushButton>
+#include <QVariantMap>
 
 #include <algorithm>
 #include <cmath>
 #include <limits>
+#include <optional>
 
 #include "cfg/cfg.h"
 #include "core/color.h"
@@ -25,6 +27,7 @@
 #include "menu/msys_script/msys_dialog_property.h"
 #include "menu/msys_script/msys_dialog_widget_tools.h"
 #include "menu/msys_script/msys_error_codes.h"
+#include "menu/msys_script/msys_value_limits.h"
 
 namespace Vel::MSysScript {
 
@@ -92,6 +95,39 @@ Color colorArg(const QVariant& value)
 unsigned precisionOf(int digits)
 {
   return static_cast<unsigned>(std::clamp(digits, 0, MAX_PRECISION));
+}
+
+// Limits a script gives for a number: a range or none, and the decimal digits where it names
+// them. A range that is upside down or not finite is refused like any wrong value.
+struct NumberLimits
+{
+  bool limited = false;
+  double lower = 0.0;
+  double upper = 0.0;
+  std::optional<int> digits;
+};
+
+NumberLimits numberLimits(const ValueLimits& limits)
+{
+  if (dynamic_cast<const EmptyValueLimits*>(&limits))
+    return {};
+  const auto* numeric = dynamic_cast<const NumericValueLimits*>(&limits);
+  if (!numeric || numeric->getDigits() < 0)
+    throwTypeError();
+  if (numeric->isLimited() &&
+      (!std::isfinite(numeric->getLower()) || !std::isfinite(numeric->getUpper()) ||
+       numeric->getLower() > numeric->getUpper()))
+    throwTypeError();
+  return {numeric->isLimited(), numeric->getLower(), numeric->getUpper(), numeric->getDigits()};
+}
+
+// The same form as a script writes it, so that reading and writing back changes nothing.
+QVariantMap limitsValue(bool limited, double lower, double upper, int digits)
+{
+  return {{QStringLiteral("limited"), limited},
+          {QStringLiteral("lower"), lower},
+          {QStringLiteral("upper"), upper},
+          {QStringLiteral("digits"), digits}};
 }
 
 QString numberText(double value)
@@ -198,6 +234,9 @@ QVariant NumberWidget::__getattr__(const QString& name) const
     return _spin->getUnit() ? QVariant(Unit::getID(*_spin->getUnit())) : QVariant();
   if (name == TAG_BACKGROUND_STYLE)
     return _spin->property("background_style");
+  if (name == TAG_LIMITS)
+    return limitsValue(_spin->minValue() != -DOUBLE_MAX || _spin->maxValue() != DOUBLE_MAX, _spin->minValue(),
+                       _spin->maxValue(), static_cast<int>(_spin->digits()));
   return DialogWidget::__getattr__(name);
 }
 
@@ -235,7 +274,18 @@ std::vector<AttributeInfo> NumberWidget::getAttributeInfo() const
   rows.push_back(row(TAG_PRECISION, "int", "Value precision"));
   rows.push_back(row(TAG_UNIT, "str", "Unit id"));
   rows.push_back(row(TAG_BACKGROUND_STYLE, "str", "Style sheet based background color (red, green, blue)"));
+  rows.push_back(row(TAG_LIMITS, "dict", "Value limits (limited, lower, upper, digits)"));
   return rows;
+}
+
+void NumberWidget::setValueLimits(const ValueLimits& limits)
+{
+  const NumberLimits number = numberLimits(limits);
+  const Vel_BaseSpin::Batch batch(_spin);
+  if (number.digits)
+    _spin->setDigits(precisionOf(*number.digits));
+  _spin->setMinValue(number.limited ? number.lower : -DOUBLE_MAX);
+  _spin->setMaxValue(number.limited ? number.upper : DOUBLE_MAX);
 }
 
 void NumberWidget::updateWidget()
@@ -306,7 +356,27 @@ QVariant IntegerWidget::__getattr__(const QString& name) const
     return static_cast<int>(_spin->minValue());
   if (name == TAG_MAXIMUM)
     return static_cast<int>(_spin->maxValue());
+  if (name == TAG_LIMITS)
+    return limitsValue(_spin->minValue() != INT_MIN_VALUE || _spin->maxValue() != INT_MAX_VALUE, _spin->minValue(),
+                       _spin->maxValue(), 0);
   return DialogWidget::__getattr__(name);
+}
+
+// Whole numbers only: a range is narrowed to the whole numbers inside it, digits do not apply.
+void IntegerWidget::setValueLimits(const ValueLimits& limits)
+{
+  const NumberLimits number = numberLimits(limits);
+  double lower = INT_MIN_VALUE;
+  double upper = INT_MAX_VALUE;
+  if (number.limited) {
+    lower = std::ceil(number.lower);
+    upper = std::floor(number.upper);
+    if (lower < INT_MIN_VALUE || upper > INT_MAX_VALUE || lower > upper)
+      throwTypeError();
+  }
+  const Vel_BaseSpin::Batch batch(_spin);
+  _spin->setMinValue(lower);
+  _spin->setMaxValue(upper);
 }
 
 void IntegerWidget::__setattr__(const QString& name, const QVariant& value)
@@ -326,6 +396,7 @@ std::vector<AttributeInfo> IntegerWidget::getAttributeInfo() const
   auto rows = withValueType(DialogWidget::getAttributeInfo(), "int");
   rows.push_back(row(TAG_MINIMUM, "int", "Minimum possible value"));
   rows.push_back(row(TAG_MAXIMUM, "int", "Maximum possible value"));
+  rows.push_back(row(TAG_LIMITS, "dict", "Value limits (limited, lower, upper, digits)"));
   return rows;
 }
 
@@ -479,6 +550,8 @@ QVariant SliderWidget::__getattr__(const QString& name) const
     return _slider->tickInterval();
   if (name == TAG_ORIENTATION)
     return orientationWord();
+  if (name == TAG_LIMITS)
+    return limitsValue(true, _slider->minValue(), _slider->maxValue(), static_cast<int>(_slider->digits()));
   return DialogWidget::__getattr__(name);
 }
 
@@ -511,7 +584,20 @@ std::vector<AttributeInfo> SliderWidget::getAttributeInfo() const
   rows.push_back(row(TAG_STEP, "float", "Amount of increase/decrease with each step"));
   rows.push_back(row(TAG_TICK_INTERVAL, "float", "Interval of ticks drawn"));
   rows.push_back(row(TAG_ORIENTATION, "str", "Widget orientation"));
+  rows.push_back(row(TAG_LIMITS, "dict", "Value limits (limited, lower, upper, digits)"));
   return rows;
+}
+
+// A slider always spans a range: limits without one change only its digits.
+void SliderWidget::setValueLimits(const ValueLimits& limits)
+{
+  const NumberLimits number = numberLimits(limits);
+  if (number.digits)
+    _slider->setDigits(precisionOf(*number.digits));
+  if (number.limited) {
+    _slider->setMinValue(number.lower);
+    _slider->setMaxValue(number.upper);
+  }
 }
 
 QString SliderWidget::orientationWord() const

@@ -37,6 +37,7 @@ public:
   QString __repr__() const override;
   QVariant __getattr__(const QString& name) const override;
   void __setattr__(const QString& name, const QVariant& value) override;
+  void setValueLimits(const ValueLimits& limits) override;
 
 protected:
   std::vector<AttributeInfo> getAttributeInfo() const override;
@@ -63,6 +64,7 @@ public:
   QString __repr__() const override;
   QVariant __getattr__(const QString& name) const override;
   void __setattr__(const QString& name, const QVariant& value) override;
+  void setValueLimits(const ValueLimits& limits) override;
 
 protected:
   std::vector<AttributeInfo> getAttributeInfo() const override;
@@ -112,6 +114,7 @@ public:
   QString __repr__() const override;
   QVariant __getattr__(const QString& name) const override;
   void __setattr__(const QString& name, const QVariant& value) override;
+  void setValueLimits(const ValueLimits& limits) override;
 
 protected:
   std::vector<AttributeInfo> getAttributeInfo() const override;

@@ -59,7 +59,7 @@ public:
   virtual void setAttribute(const QString& name, const QVariant& value) = 0;
   // Attributes that take the script's object itself (held as a GScript::PythonCallable) rather
   // than its converted value: value limits, whose Python form decides what they mean.
-  virtual bool takesScriptObject(const QString& name) const { return false; }
+  virtual bool takesScriptObject(const QString& /*name*/) const { return false; }
   virtual QStringList getAttributeNames() const = 0;
   virtual QString getRepr() const = 0;
   virtual QString getDoc() const = 0;

@@ -394,10 +394,10 @@ TEST(InputWidgets, ANamelessElementFailsTheBaseCheckFirst)
 TEST(InputWidgets, AttributeRowsFollowTheBaseInTableOrder)
 {
   const std::vector<std::pair<const char*, QStringList>> cases = {
-      {"input::number", {"minimum", "maximum", "precision", "unit", "background_style"}},
-      {"input::integer", {"minimum", "maximum"}},
+      {"input::number", {"minimum", "maximum", "precision", "unit", "background_style", "limits"}},
+      {"input::integer", {"minimum", "maximum", "limits"}},
       {"input::string", {"read_only"}},
-      {"input::slider", {"minimum", "maximum", "precision", "step", "tick_interval", "orientation"}},
+      {"input::slider", {"minimum", "maximum", "precision", "step", "tick_interval", "orientation", "limits"}},
       {"input::checkbox", {"title"}},
       {"input::color", {"color", "transparency_allowed"}},
       {"input::date", {"year", "month", "day", "use_current_date", "default_date", "show_today_button"}},
