@@ -51,6 +51,8 @@ protected:
     if (!display.isEmpty())
       environment.insert(QStringLiteral("DISPLAY"), display);
     process.setProcessEnvironment(environment);
+    // Whatever a script writes beside itself lands in the test's own folder.
+    process.setWorkingDirectory(home.path());
     process.start(qEnvironmentVariable("ZUT_BIN"), arguments);
   }
   QString file(const char* name, const QByteArray& text)
@@ -315,7 +317,8 @@ TEST_F(ZutProgram, ExampleScriptsRun)
       {"query", "probing 12 points with a 1.50 mm tip, twice\n"},
       {"driven", "True B-42 True\n"},
       {"progress", "measured 100 points; the dialog followed yes\n"},
-      {"wizard", "True Kim #ff0000ff\n"}};
+      {"wizard", "True Kim #ff0000ff\n"},
+      {"report", "Minimum zone star bore_report.txt 12.0030\n"}};
   for (const auto& [name, printed] : dialogs) {
     const QString stem = examples + QStringLiteral("dialogs/") + QString::fromLatin1(name);
     QStringList arguments{QStringLiteral("run"), stem + QStringLiteral(".py")};
@@ -326,6 +329,9 @@ TEST_F(ZutProgram, ExampleScriptsRun)
     EXPECT_EQ(run.out, QString::fromLatin1(printed)) << name;
     EXPECT_EQ(run.err, QString()) << name;
   }
+  QFile report(home.filePath(QStringLiteral("bore_report.txt")));
+  ASSERT_TRUE(report.open(QIODevice::ReadOnly));
+  EXPECT_EQ(report.readAll(), QByteArray("method: Minimum zone\nprobe: star\nmean: 12.0030 mm\n"));
 }
 
 TEST_F(ZutProgram, ScriptsDroppedIntoTheUserLevelBecomeCommands)
@@ -771,6 +777,61 @@ INSTANTIATE_TEST_SUITE_P(Scripts, ZutRunsLikePython, ::testing::ValuesIn(PYTHON_
 
 // SIGPIPE is ignored as python3 ignores it: the script sees a BrokenPipeError when the reader
 // is gone, instead of the program dying.
+// Scripts give value limits as plain Python objects; one that fits no rule, or the wrong kind
+// for the element, is refused and the element stays as it was.
+TEST_F(ZutProgram, ScriptsSetValueLimitsWithPythonObjects)
+{
+  const QString script = file("limits.py", R"(import zut
+xml = """<dialog><title>Limits</title><control id="OkCancel"/><content rows="6" columns="1">
+<widget type="input::number" row="0" column="0"><name>d</name><value>4</value></widget>
+<widget type="input::integer" row="1" column="0"><name>n</name></widget>
+<widget type="input::slider" row="2" column="0"><name>s</name></widget>
+<widget type="input::list" row="3" column="0"><name>m</name><items><item>A</item></items></widget>
+<widget type="input::file" row="4" column="0"><name>f</name></widget>
+<widget type="label" row="5" column="0"><name>l</name><text>x</text></widget>
+</content></dialog>"""
+dlg = zut.script.sys.create_user_defined_dialog(content=xml)
+dlg.d.limits = (0.0, 10.0)
+dlg.d.value = 12.5
+print(dlg.d.value, dlg.d.limits)
+dlg.d.limits = (-1.0, 1.0, 4)
+print(dlg.d.value, dlg.d.precision)
+dlg.d.limits = 3
+print(dlg.d.limits["limited"], dlg.d.precision)
+dlg.n.limits = {"lower": 0.5, "upper": 9.5, "limited": True}
+print(dlg.n.minimum, dlg.n.maximum)
+dlg.s.limits = (2.0, 4.0, 1)
+dlg.s.limits = dlg.s.limits
+print(dlg.s.minimum, dlg.s.maximum, dlg.s.precision)
+dlg.m.limits = {"descriptions": ["Gauss", 3], "limited": True}
+print(dlg.m.items, dlg.m.value)
+dlg.f.limits = {"extensions": ["stl", "txt"], "limited": True}
+print(dlg.f.limits)
+before = repr(dlg.d), repr(dlg.m), repr(dlg.f)
+for target, value in [(dlg.d, (0, 10)), (dlg.d, {"lower": 0.0, "step": 1.0}), (dlg.d, (5.0, 1.0)),
+                      (dlg.d, {"descriptions": ["a"]}), (dlg.m, (0.0, 1.0)), (dlg.f, {"descriptions": ["a"]}),
+                      (dlg.d, "3"), (dlg.l, 3)]:
+    try:
+        target.limits = value
+        print("taken:", value)
+    except zut.ScriptTypeError as error:
+        print("refused:", error)
+print(before == (repr(dlg.d), repr(dlg.m), repr(dlg.f)))
+)");
+  const Result run = zut({QStringLiteral("run"), script});
+  EXPECT_EQ(run.status, 0) << qPrintable(run.err);
+  const QString wrong = QStringLiteral("refused: The value has not the expected type.\n");
+  EXPECT_EQ(run.out, QStringLiteral("10.0 {'digits': 2, 'limited': True, 'lower': 0.0, 'upper': 10.0}\n"
+                                    "1.0 4\n"
+                                    "False 3\n"
+                                    "1 9\n"
+                                    "2.0 4.0 1\n"
+                                    "['Gauss', '3'] Gauss\n"
+                                    "{'extensions': ['stl', 'txt'], 'limited': True}\n") +
+                         wrong.repeated(7) +
+                         QStringLiteral("refused: The object has no writeable attribute \"limits\".\nTrue\n"));
+}
+
 TEST_F(ZutProgram, ABrokenPipeIsAnErrorTheScriptCatches)
 {
   const QString script = file("pipe.py",

@@ -39,6 +39,60 @@ TEST(DialogRegistry, ControlRowsAreListedInRegistrationOrderWithTheirSeparators)
   EXPECT_EQ(registry->getControlCreator(QStringLiteral("YesNo"))->getDisplayName(), QStringLiteral("Yes-No dialog"));
 }
 
+// The standard catalogue in its registration order: each category lists its types in this order,
+// under the display names and key words the editor shows.
+TEST(DialogRegistry, TheStandardTypesAreRegisteredInTheirOrderWithTheirNames)
+{
+  struct Row
+  {
+    const char* id;
+    Category::Type_t category;
+    const char* name;
+    const char* key;
+  };
+  const Row rows[] = {
+      {"label", Category::Output, "Description field", "label"},
+      {"display::text", Category::Output, "Continuous text", "text"},
+      {"image", Category::Output, "Image", "image"},
+      {"display::log", Category::Output, "Log", ""},
+      {"display::progressbar", Category::Output, "Progress bar", "progressbar"},
+      {"input::integer", Category::Input, "Integer", "input"},
+      {"input::number", Category::Input, "Decimal", "input"},
+      {"input::string", Category::Input, "Text entry field", "input"},
+      {"input::slider", Category::Input, "Slider", "input"},
+      {"input::checkbox", Category::Input, "Checkbox", "checkbox"},
+      {"input::file", Category::Input, "File", "input"},
+      {"input::date", Category::Input, "Date", "date"},
+      {"input::color", Category::Input, "Color", "input"},
+      {"button::pushbutton", Category::Buttons, "Button", "button"},
+      {"button::abort", Category::Other, "Abort", "button"},
+      {"input::radiobutton", Category::Buttons, "Radiobutton", "radiobuttons"},
+      {"input::list", Category::Selection, "Selection list", "list"},
+      {"separator", Category::Layout, "Separator line", "separator"},
+      {"spacer::horizontal", Category::Layout, "Horizontal spacer", "spacer"},
+      {"spacer::vertical", Category::Layout, "Vertical spacer", "spacer"},
+  };
+  const DialogRegistry* registry = TestElement::registryWithTestElement();
+  for (const Category::Type_t category :
+       {Category::Output, Category::Input, Category::Buttons, Category::Selection, Category::Layout, Category::Other}) {
+    QStringList expected;
+    for (const Row& row : rows)
+      if (row.category == category)
+        expected << QString::fromLatin1(row.id);
+    QStringList sorted = ids(registry->getSortedWidgetCreators(category));
+    sorted.removeAll(QStringLiteral("test::element"));
+    EXPECT_EQ(sorted, expected) << category;
+  }
+  for (const Row& row : rows) {
+    const DialogWidgetCreator* creator = registry->getWidgetCreator(QString::fromLatin1(row.id));
+    ASSERT_NE(creator, nullptr) << row.id;
+    EXPECT_EQ(creator->getDisplayName(), QString::fromLatin1(row.name)) << row.id;
+    EXPECT_EQ(creator->getKeyWord(), QString::fromLatin1(row.key)) << row.id;
+  }
+  EXPECT_EQ(std::distance(registry->getWidgetCreatorBegin(), registry->getWidgetCreatorEnd()),
+            static_cast<long>(std::size(rows)) + 1);
+}
+
 TEST(DialogRegistry, WidgetCreatorsSortByRegistrationWithinTheirCategory)
 {
   DialogRegistry registry;
