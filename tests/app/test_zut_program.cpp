@@ -481,9 +481,9 @@ TEST_F(ZutProgram, ExampleDialogsPassLintAndBareElementsNormalizeToTheirDefaults
 
   QString cells;
   const QStringList types{"input::number",      "input::integer", "input::string", "input::slider",
-                          "input::checkbox",    "input::date",    "input::color",  "button::pushbutton",
-                          "button::abort",      "label",          "separator",     "spacer::horizontal",
-                          "spacer::vertical",   "display::progressbar"};
+                          "input::checkbox",    "input::file",    "input::date",   "input::color",
+                          "button::pushbutton", "button::abort",  "label",         "separator",
+                          "spacer::horizontal", "spacer::vertical", "display::progressbar"};
   // A checkbox without a label and a push button without a text fail the check, so these two
   // have the one tag they need and nothing else.
   const std::map<QString, QString> needed = {{QStringLiteral("input::checkbox"), QStringLiteral("<title>Twice</title>")},
@@ -512,7 +512,8 @@ TEST_F(ZutProgram, ExampleDialogsPassLintAndBareElementsNormalizeToTheirDefaults
                                "<icon_system_type>ok</icon_system_type>", "<icon_system_type>cancel</icon_system_type>",
                                "<icon_size>icon</icon_size>", "<icon_system_size>default</icon_system_size>",
                                "<title></title>", "<minimum_size>0</minimum_size>", "<text>percentage</text>",
-                               "<mode>manual</mode>", "<parts>1</parts>"})
+                               "<mode>manual</mode>", "<parts>1</parts>", "<type>any</type>",
+                               "<title>Select File</title>", "<limited>false</limited>", "<file_types/>"})
     EXPECT_TRUE(normalized.out.contains(QString::fromLatin1(expected))) << expected << "\n" << qPrintable(normalized.out);
   EXPECT_FALSE(normalized.out.contains(QStringLiteral("<unit>")));
 }

@@ -587,6 +587,17 @@ QString PropertyEditorModel::valueText(const QVariant& value)
       const QString text = value.toString();
       return Qt::mightBeRichText(text) ? QTextDocumentFragment::fromHtml(text).toPlainText() : text;
     }
+    // A list reads as its items; a pair of texts, such as a file type, as "first (second)".
+    case QMetaType::QVariantList: {
+      QStringList items;
+      for (const QVariant& item : value.toList()) {
+        const QVariantList pair = item.toList();
+        items << (item.typeId() == QMetaType::QVariantList && pair.size() == 2
+                      ? QStringLiteral("%1 (%2)").arg(valueText(pair[0]), valueText(pair[1]))
+                      : valueText(item));
+      }
+      return items.join(QStringLiteral(", "));
+    }
     default: break;
   }
   if (value.metaType() == QMetaType::fromType<Color>()) {

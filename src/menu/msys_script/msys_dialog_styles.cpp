@@ -26,6 +26,7 @@ QPushButton:disabled { color: #a0a0a0; }
 QLineEdit, QSpinBox, QDoubleSpinBox, QComboBox, QDateEdit { min-height: 40px; padding: 2px 8px; }
 QCheckBox::indicator, QRadioButton::indicator { width: 28px; height: 28px; }
 QSlider::handle { width: 36px; height: 36px; }
+Vel_FileSelect QToolButton { min-width: 44px; padding: 6px 8px; }
 )";
 
 }  // namespace

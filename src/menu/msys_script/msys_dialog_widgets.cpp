@@ -18,6 +18,7 @@
 #include "menu/msys_script/msys_dialog_controls.h"
 #include "menu/msys_script/msys_dialog_button_widgets.h"
 #include "menu/msys_script/msys_dialog_display_widgets.h"
+#include "menu/msys_script/msys_dialog_file_widget.h"
 #include "menu/msys_script/msys_dialog_input_widgets.h"
 #include "menu/msys_script/msys_dialog_property.h"
 #include "menu/msys_script/msys_error_codes.h"
@@ -395,6 +396,7 @@ void DialogRegistry::initialize()
   registry->addWidgetCreator(new StringWidgetCreator("Text entry field", "input"));
   registry->addWidgetCreator(new SliderWidgetCreator("Slider", "input"));
   registry->addWidgetCreator(new CheckboxWidgetCreator("Checkbox", "checkbox"));
+  registry->addWidgetCreator(new FileWidgetCreator("File", "input"));
   registry->addWidgetCreator(new DateWidgetCreator("Date", "date"));
   registry->addWidgetCreator(new ColorWidgetCreator("Color", "input"));
   registry->addWidgetCreator(new PushButtonWidgetCreator(DialogWidgetCreator::Category::Buttons, "Button"));

@@ -2,6 +2,7 @@
 
 #include <QFileDialog>
 #include <QMap>
+#include <QRegularExpression>
 
 #include "gtools/error_dialog.h"
 
@@ -28,10 +29,19 @@ QMap<QString, FileType>& fileTypes()
   return types;
 }
 
-FileDialog::Handler& handler()
+FileDialog::RequestHandler& handler()
 {
-  static FileDialog::Handler instance;
+  static FileDialog::RequestHandler instance;
   return instance;
+}
+
+// A registered id, or a filter that a caller made for itself.
+QString filterOf(const QString& type)
+{
+  if (const QString filter = FileDialog::getFilter(type); !filter.isEmpty())
+    return filter;
+  static const QRegularExpression madeFilter(QStringLiteral("^.*\\(.*\\)$"));
+  return madeFilter.match(type).hasMatch() ? type : QString();
 }
 
 }  // namespace
@@ -49,37 +59,47 @@ QString FileDialog::getFilter(const QString& id)
   return QStringLiteral("%1 (%2)").arg(pos->description, pos->patterns.join(QLatin1Char(' ')));
 }
 
+QString FileDialog::makeFilter(const QString& description, const QStringList& patterns)
+{
+  return QStringLiteral("%1 (%2)").arg(description, patterns.join(QLatin1Char(' ')));
+}
+
 QStringList FileDialog::getFileNames(QWidget* parent, Mode mode, const QString& title, const QStringList& types,
-                                     const QString& start)
+                                     const QString& start, const QString& selected)
 {
   if (handler())
-    return handler()(mode, title, types);
+    return handler()({mode, title, types, start, selected});
   if (!isInteractive())
     return {};
   QStringList filters;
   for (const QString& type : types)
-    if (const QString filter = getFilter(type); !filter.isEmpty())
+    if (const QString filter = filterOf(type); !filter.isEmpty())
       filters << filter;
   const QString filter = filters.join(QStringLiteral(";;"));
+  QString selected_filter = filterOf(selected);
+  const auto single = [](const QString& file) { return file.isEmpty() ? QStringList() : QStringList{file}; };
   switch (mode) {
-    case Open: {
-      const QString file = QFileDialog::getOpenFileName(parent, title, start, filter);
-      return file.isEmpty() ? QStringList() : QStringList{file};
-    }
-    case OpenMany: return QFileDialog::getOpenFileNames(parent, title, start, filter);
-    case Save: {
-      const QString file = QFileDialog::getSaveFileName(parent, title, start, filter);
-      return file.isEmpty() ? QStringList() : QStringList{file};
-    }
-    case Directory: {
-      const QString folder = QFileDialog::getExistingDirectory(parent, title, start);
-      return folder.isEmpty() ? QStringList() : QStringList{folder};
-    }
+    case Open: return single(QFileDialog::getOpenFileName(parent, title, start, filter, &selected_filter));
+    case OpenMany: return QFileDialog::getOpenFileNames(parent, title, start, filter, &selected_filter);
+    case Save: return single(QFileDialog::getSaveFileName(parent, title, start, filter, &selected_filter));
+    case AnyFile:
+      return single(QFileDialog::getSaveFileName(parent, title, start, filter, &selected_filter,
+                                                 QFileDialog::DontConfirmOverwrite));
+    case Directory: return single(QFileDialog::getExistingDirectory(parent, title, start));
   }
   return {};
 }
 
 void FileDialog::setHandler(Handler h)
+{
+  if (!h) {
+    handler() = nullptr;
+    return;
+  }
+  handler() = [h = std::move(h)](const Request& request) { return h(request.mode, request.title, request.types); };
+}
+
+void FileDialog::setRequestHandler(RequestHandler h)
 {
   handler() = std::move(h);
 }

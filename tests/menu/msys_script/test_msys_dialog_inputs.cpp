@@ -541,6 +541,7 @@ TEST(ElementPictures, EveryTypeRendersInBothStyles)
       {QStringLiteral("input::string"), QStringLiteral("<value>Bore 7</value>")},
       {QStringLiteral("input::slider"), QStringLiteral("<value>40</value><maximum>100</maximum><tick_interval>10</tick_interval>")},
       {QStringLiteral("input::checkbox"), QStringLiteral("<title>Measure twice</title><value>true</value>")},
+      {QStringLiteral("input::file"), QStringLiteral("<type>file</type><default>/data/plans/bore_7.plan</default>")},
       {QStringLiteral("input::color"), QStringLiteral("<color><red>0</red><green>128</green><blue>128</blue><alpha>255</alpha></color>")},
       {QStringLiteral("button::pushbutton"), QStringLiteral("<text>Next bore</text><icon_type>system</icon_type>"
                                                             "<icon_system_type>arrow_right</icon_system_type>")},

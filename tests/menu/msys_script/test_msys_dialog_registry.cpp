@@ -126,7 +126,7 @@ TEST(DialogRegistry, ASecondCreatorWithTheSameIdIsAProgrammingError)
   // The standard input types in their order, then the test type; the refused one is not kept.
   EXPECT_EQ(ids(registry->getSortedWidgetCreators(Category::Input)),
             QStringList({"input::integer", "input::number", "input::string", "input::slider", "input::checkbox",
-                         "input::date", "input::color", "test::element"}));
+                         "input::file", "input::date", "input::color", "test::element"}));
   EXPECT_EQ(ids(registry->getSortedWidgetCreators(Category::Output)), QStringList({"label", "display::progressbar"}));
   EXPECT_EQ(ids(registry->getSortedWidgetCreators(Category::Layout)),
             QStringList({"separator", "spacer::horizontal", "spacer::vertical"}));

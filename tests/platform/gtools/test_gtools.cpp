@@ -1,17 +1,21 @@
 #include <QApplication>
 #include <QColorDialog>
 #include <QDoubleSpinBox>
+#include <QLineEdit>
 #include <QSignalSpy>
+#include <QTest>
 #include <QTimer>
 #include <QToolButton>
 
 #include <gtest/gtest.h>
+#include <optional>
 #include <set>
 
 #include "core/unit.h"
 #include "gtools/file_dialog.h"
 #include "gtools/vel_color_button.h"
 #include "gtools/vel_combo_box.h"
+#include "gtools/vel_file_select.h"
 #include "gtools/vel_slider.h"
 #include "gtools/vel_spin.h"
 #include "gtools/vel_tool_tip_label.h"
@@ -145,6 +149,70 @@ TEST(FileDialog, NamedTypesGiveFiltersAndAHandlerAnswers)
   // No person to ask on the offscreen platform.
   EXPECT_TRUE(FileDialog::getFileNames(nullptr, FileDialog::Open, QStringLiteral("T"), {}).isEmpty());
 }
+
+// The browse button asks the file dialog in the selector's mode, with its title and types, at
+// the current file; a choice replaces the file name, a cancel keeps it.
+struct FileSelectCase
+{
+  Vel_FileSelect::Mode mode;
+  Vel::GTools::FileDialog::Mode asked;
+  bool limited;
+  QStringList filters;
+};
+
+class FileSelectBrowse : public ::testing::TestWithParam<FileSelectCase>
+{};
+
+TEST_P(FileSelectBrowse, AsksInItsModeAndTakesTheChoice)
+{
+  using Vel::GTools::FileDialog;
+  const FileSelectCase& c = GetParam();
+  Vel_FileSelect select;
+  select.setMode(c.mode);
+  select.setTitle(QStringLiteral("Open plan"));
+  select.setFileTypes({{QStringLiteral("*.plan  *.pln"), QStringLiteral("Plans")}, {QStringLiteral("*.stl"), QString()}});
+  select.setLimited(c.limited);
+  select.setDefaultFileType(QStringLiteral("*.stl"));
+  select.setFileName(QStringLiteral("/data/old.plan"));
+  QSignalSpy changed(&select, &Vel_FileSelect::fileNameChanged);
+
+  std::optional<FileDialog::Request> asked;
+  QStringList answer{QStringLiteral("/data/new.plan")};
+  FileDialog::setRequestHandler([&](const FileDialog::Request& request) {
+    asked = request;
+    return answer;
+  });
+  QTest::mouseClick(select.browseButton(), Qt::LeftButton);
+  ASSERT_TRUE(asked);
+  EXPECT_EQ(asked->mode, c.asked);
+  EXPECT_EQ(asked->title, QStringLiteral("Open plan"));
+  EXPECT_EQ(asked->types, c.filters);
+  EXPECT_EQ(asked->start, QStringLiteral("/data/old.plan"));
+  EXPECT_EQ(asked->selected, QStringLiteral("*.stl (*.stl)"));
+  EXPECT_EQ(select.getFileName(), QStringLiteral("/data/new.plan"));
+  ASSERT_EQ(changed.count(), 1);
+  EXPECT_EQ(changed[0][0].toString(), QStringLiteral("/data/new.plan"));
+
+  answer.clear();
+  QTest::mouseClick(select.browseButton(), Qt::LeftButton);
+  EXPECT_EQ(select.getFileName(), QStringLiteral("/data/new.plan"));
+  EXPECT_EQ(changed.count(), 1);
+  QTest::keyClicks(select.lineEdit(), "x");
+  EXPECT_EQ(changed.count(), 2) << "typing is a change too";
+  FileDialog::setRequestHandler(nullptr);
+}
+
+const QStringList LISTED = {QStringLiteral("Plans (*.plan *.pln)"), QStringLiteral("*.stl (*.stl)")};
+
+INSTANTIATE_TEST_SUITE_P(
+    Modes, FileSelectBrowse,
+    ::testing::Values(
+        FileSelectCase{Vel_FileSelect::AnyFile, Vel::GTools::FileDialog::AnyFile, false,
+                       LISTED + QStringList{QStringLiteral("All files (*)")}},
+        FileSelectCase{Vel_FileSelect::NewFile, Vel::GTools::FileDialog::Save, true, LISTED},
+        FileSelectCase{Vel_FileSelect::ExistingFile, Vel::GTools::FileDialog::Open, true, LISTED},
+        FileSelectCase{Vel_FileSelect::ExistingDirectory, Vel::GTools::FileDialog::Directory, false,
+                       LISTED + QStringList{QStringLiteral("All files (*)")}}));
 
 // Clicking the button asks for a colour; only a checkable button may take a transparent one.
 class ColorButtonClick : public ::testing::TestWithParam<bool>
