@@ -818,6 +818,7 @@ for target, value in [(dlg.d, (0, 10)), (dlg.d, {"lower": 0.0, "step": 1.0}), (d
     except zut.ScriptTypeError as error:
         print("refused:", error)
 print(before == (repr(dlg.d), repr(dlg.m), repr(dlg.f)))
+print(dlg.d.__doc__.splitlines()[0], "limits dict" in dlg.d.__doc__)
 )");
   const Result run = zut({QStringLiteral("run"), script});
   EXPECT_EQ(run.status, 0) << qPrintable(run.err);
@@ -830,7 +831,8 @@ print(before == (repr(dlg.d), repr(dlg.m), repr(dlg.f)))
                                     "['Gauss', '3'] Gauss\n"
                                     "{'extensions': ['stl', 'txt'], 'limited': True}\n") +
                          wrong.repeated(7) +
-                         QStringLiteral("refused: The object has no writeable attribute \"limits\".\nTrue\n"));
+                         QStringLiteral("refused: The object has no writeable attribute \"limits\".\nTrue\n"
+                                        "Handle for a widget called 'd' of type 'Decimal' (input::number) True\n"));
 }
 
 TEST_F(ZutProgram, ABrokenPipeIsAnErrorTheScriptCatches)

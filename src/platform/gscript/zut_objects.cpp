@@ -108,7 +108,9 @@ def _handle_class(type_name):
             parent = _package if parent_name == _package.__name__ else sys.modules.get(parent_name)
             if parent is not None:
                 setattr(parent, child, module)
-        cls = type(name, (_Handle,), {"__slots__": (), "__module__": module_name, "__qualname__": name})
+        # A class made by type() gets a __doc__ of None of its own, which would hide the handle's.
+        cls = type(name, (_Handle,), {"__slots__": (), "__module__": module_name, "__qualname__": name,
+                                      "__doc__": _Handle.__dict__["__doc__"]})
         setattr(module, name, cls)
         _handle_classes[type_name] = cls
     return cls
