@@ -583,6 +583,10 @@ QString PropertyEditorModel::valueText(const QVariant& value)
       const QImage image = value.value<QImage>();
       return image.isNull() ? QString() : QStringLiteral("%1 x %2").arg(image.width()).arg(image.height());
     }
+    // An entry list reads as its length; its panel opens the entries themselves.
+    case QMetaType::QStringList:
+    case QMetaType::QVariantList:
+      return translate("MSysScript_DialogEditor_other", "%1 entries", "").arg(value.toList().size());
     case QMetaType::QString: {
       const QString text = value.toString();
       return Qt::mightBeRichText(text) ? QTextDocumentFragment::fromHtml(text).toPlainText() : text;

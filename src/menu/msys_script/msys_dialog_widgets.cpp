@@ -20,7 +20,9 @@
 #include "menu/msys_script/msys_dialog_display_widgets.h"
 #include "menu/msys_script/msys_dialog_file_widget.h"
 #include "menu/msys_script/msys_dialog_input_widgets.h"
+#include "menu/msys_script/msys_dialog_list_widget.h"
 #include "menu/msys_script/msys_dialog_property.h"
+#include "menu/msys_script/msys_dialog_radio_buttons.h"
 #include "menu/msys_script/msys_error_codes.h"
 #include "menu/msys_script/msys_tools_python.h"
 #include "menu/msys_script/msys_value_limits.h"
@@ -401,6 +403,9 @@ void DialogRegistry::initialize()
   registry->addWidgetCreator(new ColorWidgetCreator("Color", "input"));
   registry->addWidgetCreator(new PushButtonWidgetCreator(DialogWidgetCreator::Category::Buttons, "Button"));
   registry->addWidgetCreator(new AbortButtonWidgetCreator(DialogWidgetCreator::Category::Other, "Abort"));
+  registry->addWidgetCreator(
+      new RadioButtonWidgetCreator(DialogWidgetCreator::Category::Buttons, "Radiobutton", "radiobuttons"));
+  registry->addWidgetCreator(new ListWidgetCreator(DialogWidgetCreator::Category::Selection, "Selection list", "list"));
   registry->addWidgetCreator(new SeparatorWidgetCreator(DialogWidgetCreator::Category::Layout, "Separator line", "separator"));
   registry->addWidgetCreator(
       new HorizontalSpacerWidgetCreator(DialogWidgetCreator::Category::Layout, "Horizontal spacer", "spacer"));

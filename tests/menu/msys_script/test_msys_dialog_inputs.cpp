@@ -546,6 +546,12 @@ TEST(ElementPictures, EveryTypeRendersInBothStyles)
       {QStringLiteral("button::pushbutton"), QStringLiteral("<text>Next bore</text><icon_type>system</icon_type>"
                                                             "<icon_system_type>arrow_right</icon_system_type>")},
       {QStringLiteral("button::abort"), QStringLiteral("<text>Abort</text><icon_system_size>large</icon_system_size>")},
+      {QStringLiteral("input::list"), QStringLiteral("<items><item>Gauss</item><item>Minimum zone</item></items>"
+                                                     "<default>Minimum zone</default>")},
+      {QStringLiteral("input::radiobutton"), QStringLiteral("<items><item state=\"G\" description=\"Gauss\"/>"
+                                                            "<item state=\"M\" description=\"Minimum zone\"/>"
+                                                            "<item state=\"C\" description=\"Chebyshev\"/></items>"
+                                                            "<default>M</default>")},
       {QStringLiteral("label"), QStringLiteral("<text>Diameter of the &lt;b&gt;bore&lt;/b&gt;</text>")},
       {QStringLiteral("separator"), QStringLiteral("<title>Probing</title>")},
       {QStringLiteral("display::progressbar"), QStringLiteral("<value>40</value>")},
