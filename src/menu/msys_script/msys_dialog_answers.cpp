@@ -124,6 +124,25 @@ void remember(const UserDefinedDialog* dialog, const QString& button)
     failCommand(ERR_SAVE_FILE, errorText("Cannot open file for writing: %1").arg(current.record_file));
 }
 
+// Applied once the dialog waits, as a person would answer it: after its first handler call has
+// finished, and never inside a handler call, which lets window events in at its safe points.
+void applyWhenReady(UserDefinedDialog* dialog, const QJsonObject& answer, int delay = 0)
+{
+  QTimer::singleShot(delay, dialog, [dialog, answer] {
+    if (dialog->isClosed())
+      return;
+    if (!dialog->isReadyForInput()) {
+      applyWhenReady(dialog, answer, 10);
+      return;
+    }
+    try {
+      DialogAnswers::apply(dialog, answer);
+    } catch (...) {
+      dialog->failWith(std::current_exception());
+    }
+  });
+}
+
 bool respond(UserDefinedDialog* dialog)
 {
   State& current = state();
@@ -132,14 +151,7 @@ bool respond(UserDefinedDialog* dialog)
   const QJsonObject answer = current.pending.front();
   current.pending.pop_front();
   ++current.taken;
-  // Applied once the dialog waits, as a person would answer it; its first handler call included.
-  QTimer::singleShot(0, dialog, [dialog, answer] {
-    try {
-      DialogAnswers::apply(dialog, answer);
-    } catch (...) {
-      dialog->failWith(std::current_exception());
-    }
-  });
+  applyWhenReady(dialog, answer);
   return true;
 }
 

@@ -585,7 +585,6 @@ QString PropertyEditorModel::valueText(const QVariant& value)
     }
     // An entry list reads as its length; its panel opens the entries themselves.
     case QMetaType::QStringList:
-    case QMetaType::QVariantList:
       return translate("MSysScript_DialogEditor_other", "%1 entries", "").arg(value.toList().size());
     case QMetaType::QString: {
       const QString text = value.toString();

@@ -65,6 +65,8 @@ public:
   bool canCloseNow() const;
   const QVariant& getResult() const { return _result; }
   bool isClosed() const { return _closed; }
+  // Shown and initialised, and its handler not running: what a person answers comes now.
+  bool isReadyForInput() const { return _initialized && _handler_depth == 0; }
   // Whether a command waits for the dialog to close.
   bool isWaitedFor() const { return _waited_for && !_closed; }
 
@@ -114,6 +116,7 @@ private:
   std::optional<QVariant> _script_result;
   bool _closed = false;
   bool _initialized = false;
+  int _handler_depth = 0;
   bool _started = false;
   int _script_assignments = 0;
   std::exception_ptr _fault;
