@@ -477,7 +477,8 @@ TEST_F(ZutProgram, ExampleDialogsPassLintAndBareElementsNormalizeToTheirDefaults
   const QStringList types{"input::number",      "input::integer", "input::string", "input::slider",
                           "input::checkbox",    "input::date",    "input::color",  "button::pushbutton",
                           "button::abort",      "label",          "separator",     "spacer::horizontal",
-                          "spacer::vertical",   "display::progressbar"};
+                          "spacer::vertical",   "display::progressbar", "display::text", "display::log",
+                          "image"};
   // A checkbox without a label and a push button without a text fail the check, so these two
   // have the one tag they need and nothing else.
   const std::map<QString, QString> needed = {{QStringLiteral("input::checkbox"), QStringLiteral("<title>Twice</title>")},
@@ -506,7 +507,10 @@ TEST_F(ZutProgram, ExampleDialogsPassLintAndBareElementsNormalizeToTheirDefaults
                                "<icon_system_type>ok</icon_system_type>", "<icon_system_type>cancel</icon_system_type>",
                                "<icon_size>icon</icon_size>", "<icon_system_size>default</icon_system_size>",
                                "<title></title>", "<minimum_size>0</minimum_size>", "<text>percentage</text>",
-                               "<mode>manual</mode>", "<parts>1</parts>"})
+                               "<mode>manual</mode>", "<parts>1</parts>", "<text><![CDATA[]]></text>",
+                               "<wordwrap>true</wordwrap>", "<scroll_automatically>true</scroll_automatically>",
+                               "<system_image>system_message_information</system_image>",
+                               "<keep_original_size>true</keep_original_size>"})
     EXPECT_TRUE(normalized.out.contains(QString::fromLatin1(expected))) << expected << "\n" << qPrintable(normalized.out);
   EXPECT_FALSE(normalized.out.contains(QStringLiteral("<unit>")));
 }
