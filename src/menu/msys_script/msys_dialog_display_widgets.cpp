@@ -768,11 +768,11 @@ QVariant ImageWidget::__getattr__(const QString& name) const
   if (name == ATTR_SCALING)
     return scaling();
   if (name == TAG_ATTRIBUTES && !hasImage()) {
-    // Without a picture there is no scaling to list; reading it alone is the script's fault.
+    // Without a picture the scaling is listed as None; reading it alone is the script's fault.
     QVariantMap attributes;
     for (const AttributeInfo& info : getAttributeInfo())
-      if (info.name != TAG_ATTRIBUTES && info.name != ATTR_SCALING)
-        attributes.insert(info.name, __getattr__(info.name));
+      if (info.name != TAG_ATTRIBUTES)
+        attributes.insert(info.name, info.name == ATTR_SCALING ? QVariant() : __getattr__(info.name));
     return attributes;
   }
   return DialogWidget::__getattr__(name);

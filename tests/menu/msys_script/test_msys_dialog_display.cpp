@@ -273,11 +273,12 @@ TEST(ImageWidget, AFileNameReadsThePictureAndOneThatDoesNotReadChangesNothing)
   EXPECT_EQ(widget->__getattr__(ImageWidget::TAG_DATA), data);
 }
 
-TEST(ImageWidget, WithoutAPictureItListsNoScalingAndHoldsAPlaceOnlyInTheEditor)
+TEST(ImageWidget, WithoutAPictureItListsNoScalingValueAndHoldsAPlaceOnlyInTheEditor)
 {
   auto widget = create(ImageWidget::TYPE_ID);
   const QVariantMap attributes = widget->__getattr__(DialogWidget::TAG_ATTRIBUTES).toMap();
-  EXPECT_FALSE(attributes.contains(ImageWidget::ATTR_SCALING));
+  EXPECT_TRUE(attributes.contains(ImageWidget::ATTR_SCALING));
+  EXPECT_TRUE(attributes.value(ImageWidget::ATTR_SCALING).isNull());
   EXPECT_EQ(attributes.value(ImageWidget::TAG_WIDTH), QVariant(100));
   QWidget* view = static_cast<ImageWidget*>(widget.get())->view();
   EXPECT_EQ(view->sizeHint(), QSize(0, 0));
