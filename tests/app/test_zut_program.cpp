@@ -483,12 +483,15 @@ TEST_F(ZutProgram, ExampleDialogsPassLintAndBareElementsNormalizeToTheirDefaults
   const QStringList types{"input::number",      "input::integer", "input::string", "input::slider",
                           "input::checkbox",    "input::file",    "input::date",   "input::color",
                           "button::pushbutton", "button::abort",  "label",         "separator",
-                          "spacer::horizontal", "spacer::vertical", "display::progressbar"};
+                          "spacer::horizontal", "spacer::vertical", "display::progressbar", "display::text",
+                          "display::log",       "image",          "input::list",   "input::radiobutton"};
   // A checkbox without a label and a push button without a text fail the check, so these two
   // have the one tag they need and nothing else.
   const std::map<QString, QString> needed = {{QStringLiteral("input::checkbox"), QStringLiteral("<title>Twice</title>")},
                                              {QStringLiteral("button::pushbutton"), QStringLiteral("<text>Go</text>")},
-                                             {QStringLiteral("label"), QStringLiteral("<text>Bore</text>")}};
+                                             {QStringLiteral("label"), QStringLiteral("<text>Bore</text>")},
+                                             {QStringLiteral("input::radiobutton"),
+                                              QStringLiteral("<items><item state=\"a\" description=\"A\"/></items>")}};
   for (int column = 0; column < types.size(); ++column)
     cells += QStringLiteral("<widget type=\"%1\" row=\"0\" column=\"%2\"><name>e%2</name>%3</widget>\n")
                  .arg(types[column])
@@ -513,7 +516,11 @@ TEST_F(ZutProgram, ExampleDialogsPassLintAndBareElementsNormalizeToTheirDefaults
                                "<icon_size>icon</icon_size>", "<icon_system_size>default</icon_system_size>",
                                "<title></title>", "<minimum_size>0</minimum_size>", "<text>percentage</text>",
                                "<mode>manual</mode>", "<parts>1</parts>", "<type>any</type>",
-                               "<title>Select File</title>", "<limited>false</limited>", "<file_types/>"})
+                               "<title>Select File</title>", "<limited>false</limited>", "<file_types/>",
+                               "<text><![CDATA[]]></text>", "<wordwrap>true</wordwrap>",
+                               "<scroll_automatically>true</scroll_automatically>",
+                               "<system_image>system_message_information</system_image>",
+                               "<keep_original_size>true</keep_original_size>"})
     EXPECT_TRUE(normalized.out.contains(QString::fromLatin1(expected))) << expected << "\n" << qPrintable(normalized.out);
   EXPECT_FALSE(normalized.out.contains(QStringLiteral("<unit>")));
 }

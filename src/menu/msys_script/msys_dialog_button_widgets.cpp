@@ -1,7 +1,5 @@
 #include "menu/msys_script/msys_dialog_button_widgets.h"
 
-#include <QBuffer>
-#include <QDataStream>
 #include <QHBoxLayout>
 #include <QPixmap>
 #include <QPushButton>
@@ -151,31 +149,6 @@ ButtonWidget::ButtonWidget(const QString& creatorId, IconType::Type_t defaultIco
   updateWidget();
 }
 
-QByteArray ButtonWidget::imageBytes(const QImage& image)
-{
-  QByteArray bytes;
-  if (image.isNull())
-    return bytes;
-  QDataStream stream(&bytes, QIODevice::WriteOnly);
-  // A fixed stream version, so that a definition written today reads the same in later versions.
-  stream.setVersion(QDataStream::Qt_6_0);
-  stream << image;
-  return bytes;
-}
-
-QImage ButtonWidget::imageFromBytes(const QByteArray& bytes)
-{
-  QImage image;
-  if (bytes.isEmpty())
-    return image;
-  QDataStream stream(bytes);
-  stream.setVersion(QDataStream::Qt_6_0);
-  stream >> image;
-  if (stream.status() != QDataStream::Ok || !stream.atEnd())
-    return QImage();
-  return image;
-}
-
 void ButtonWidget::copyFrom(const ButtonWidget& other)
 {
   _icon = other._icon;
@@ -218,16 +191,7 @@ void ButtonWidget::parseXml(const QDomNode& node)
   if (type != WORD_PUSH && type != WORD_TOGGLE)
     throw Xml::ParseException(Xml::getChild(node, TAG_TYPE),
                               errorText("The button type \"%1\" is invalid.").arg(type));
-  QImage icon;
-  if (Xml::hasChild(node, TAG_ICON)) {
-    const auto bytes = Parse::Binary::decode(Xml::getCData(node, TAG_ICON));
-    if (bytes)
-      icon = imageFromBytes(*bytes);
-    if (!bytes || (icon.isNull() && !bytes->isEmpty()))
-      throw Xml::ParseException(Xml::getChild(node, TAG_ICON),
-                                translate("MSysScript_Dialog_err", "The tag \"%1\" does not hold an image.", "")
-                                    .arg(TAG_ICON));
-  }
+  const QImage icon = imageOr(node, TAG_ICON);
   const QString file_name = valueOr<QString>(node, TAG_ICON_FILE_NAME, QString());
   const auto icon_type = enumerationOr(iconTypes(), node, TAG_ICON_TYPE, _default_icon_type);
   const auto icon_size = enumerationOr(iconSizes(), node, TAG_ICON_SIZE, IconSize::Icon);
@@ -252,7 +216,7 @@ void ButtonWidget::createXml(QDomDocument* document, QDomElement* element) const
   element->appendChild(Xml::createValue(document, TAG_TEXT, _button->text()));
   element->appendChild(Xml::createValue(document, TAG_TYPE, _button->isCheckable() ? WORD_TOGGLE : WORD_PUSH));
   if (!_icon.isNull())
-    element->appendChild(Xml::createCData(document, TAG_ICON, Parse::Binary::encode(imageBytes(_icon))));
+    element->appendChild(createImage(document, TAG_ICON, _icon));
   element->appendChild(Xml::createValue(document, TAG_ICON_FILE_NAME, _icon_file_name));
   element->appendChild(Xml::createValue(document, TAG_ICON_TYPE, iconTypes().getId(_icon_type)));
   element->appendChild(Xml::createValue(document, TAG_ICON_SIZE, iconSizes().getId(_icon_size)));
@@ -306,19 +270,7 @@ void ButtonWidget::__setattr__(const QString& name, const QVariant& value)
     _button->setChecked(checked);
     return;
   } else if (name == TAG_ICON) {
-    // The stored form, any image file's bytes, or an image from the editor; empty clears it.
-    QImage image;
-    if (value.typeId() == QMetaType::QImage) {
-      image = value.value<QImage>();
-    } else if (value.typeId() == QMetaType::QByteArray) {
-      const QByteArray bytes = value.toByteArray();
-      image = imageFromBytes(bytes);
-      if (image.isNull() && !bytes.isEmpty() && !image.loadFromData(bytes))
-        throwTypeError();
-    } else {
-      throwTypeError();
-    }
-    _icon = image;
+    _icon = imageArg(value);
   } else if (name == TAG_ICON_FILE_NAME) {
     _icon_file_name = textArg(value);
   } else if (name == TAG_ICON_SIZE) {

@@ -97,11 +97,6 @@ public:
   QVariant __getattr__(const QString& name) const override;
   void __setattr__(const QString& name, const QVariant& value) override;
 
-  // The image in the form a definition stores it (Qt's data stream), and back; a null image
-  // for bytes that hold none.
-  static QByteArray imageBytes(const QImage& image);
-  static QImage imageFromBytes(const QByteArray& bytes);
-
 protected:
   ButtonWidget(const QString& creatorId, IconType::Type_t defaultIconType,
                IconSystemType::Type_t defaultSystemType);

@@ -75,11 +75,11 @@ void TextPropertyWidget::slotEdit()
   Q_EMIT signalChanged();
 }
 
-RichTextEditorDialog::RichTextEditorDialog(QWidget* parent, const QString& text, const QFont& defaultFont)
-    : QDialog(parent), _edit(new QTextEdit(this))
+RichTextEdit::RichTextEdit(QWidget* parent, const QString& text, const QFont& defaultFont)
+    : QWidget(parent), _edit(new QTextEdit(this))
 {
-  setWindowTitle(other("Edit Text"));
   auto* layout = new QVBoxLayout(this);
+  layout->setContentsMargins(0, 0, 0, 0);
   auto* tools = new QToolBar(this);
   layout->addWidget(tools);
   _edit->document()->setDefaultFont(defaultFont);
@@ -88,6 +88,7 @@ RichTextEditorDialog::RichTextEditorDialog(QWidget* parent, const QString& text,
   else
     _edit->setPlainText(text);
   layout->addWidget(_edit);
+  setFocusProxy(_edit);
 
   QAction* bold = tools->addAction(other("Bold"));
   bold->setCheckable(true);
@@ -104,21 +105,28 @@ RichTextEditorDialog::RichTextEditorDialog(QWidget* parent, const QString& text,
     italic->setChecked(format.fontItalic());
     underline->setChecked(format.fontUnderline());
   });
-
-  auto* buttons = new QDialogButtonBox(QDialogButtonBox::Ok | QDialogButtonBox::Cancel, this);
-  connect(buttons, &QDialogButtonBox::accepted, this, &QDialog::accept);
-  connect(buttons, &QDialogButtonBox::rejected, this, &QDialog::reject);
-  layout->addWidget(buttons);
 }
 
 // Plain text stays plain, so that simple labels do not turn into pages of markup.
-QString RichTextEditorDialog::getText() const
+QString RichTextEdit::getText() const
 {
   const QString plain = _edit->toPlainText();
   QTextDocument plain_document;
   plain_document.setDefaultFont(_edit->document()->defaultFont());
   plain_document.setPlainText(plain);
   return _edit->document()->toHtml() == plain_document.toHtml() ? plain : _edit->toHtml();
+}
+
+RichTextEditorDialog::RichTextEditorDialog(QWidget* parent, const QString& text, const QFont& defaultFont)
+    : QDialog(parent), _edit(new RichTextEdit(this, text, defaultFont))
+{
+  setWindowTitle(other("Edit Text"));
+  auto* layout = new QVBoxLayout(this);
+  layout->addWidget(_edit);
+  auto* buttons = new QDialogButtonBox(QDialogButtonBox::Ok | QDialogButtonBox::Cancel, this);
+  connect(buttons, &QDialogButtonBox::accepted, this, &QDialog::accept);
+  connect(buttons, &QDialogButtonBox::rejected, this, &QDialog::reject);
+  layout->addWidget(buttons);
 }
 
 // ---------------------------------------------------------------------------------------------

@@ -36,6 +36,21 @@ private:
   QLabel* _preview;
 };
 
+// Rich text with the formats a dialog's texts use: bold, italic, underline.
+class RichTextEdit : public QWidget
+{
+  Q_OBJECT
+
+public:
+  RichTextEdit(QWidget* parent, const QString& text, const QFont& defaultFont);
+  // The edited text as HTML; the plain text when it has no formatting.
+  QString getText() const;
+  QTextEdit* textEdit() const { return _edit; }
+
+private:
+  QTextEdit* _edit;
+};
+
 // The small editor window for rich text: bold, italic, underline, and the text.
 class RichTextEditorDialog : public QDialog
 {
@@ -43,11 +58,10 @@ class RichTextEditorDialog : public QDialog
 
 public:
   RichTextEditorDialog(QWidget* parent, const QString& text, const QFont& defaultFont);
-  // The edited text as HTML; the plain text when it has no formatting.
-  QString getText() const;
+  QString getText() const { return _edit->getText(); }
 
 private:
-  QTextEdit* _edit;
+  RichTextEdit* _edit;
 };
 
 // An image with a preview and the buttons select and delete.

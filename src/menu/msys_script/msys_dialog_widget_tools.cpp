@@ -1,9 +1,12 @@
 #include "menu/msys_script/msys_dialog_widget_tools.h"
 
+#include <QIODevice>
+#include <QDataStream>
 #include <QHBoxLayout>
 
 #include <limits>
 
+#include "core/parse_binary.h"
 #include "core/python_string.h"
 #include "core/translate.h"
 #include "menu/msys_script/msys_error_codes.h"
@@ -96,6 +99,64 @@ std::vector<AttributeInfo> withValueType(std::vector<AttributeInfo> rows, const 
     if (info.name == DialogWidget::TAG_VALUE)
       info.type_name = QString::fromLatin1(valueType);
   return rows;
+}
+
+QByteArray imageBytes(const QImage& image)
+{
+  QByteArray bytes;
+  if (image.isNull())
+    return bytes;
+  QDataStream stream(&bytes, QIODevice::WriteOnly);
+  // A fixed stream version, so that a definition written today reads the same in later versions.
+  stream.setVersion(QDataStream::Qt_6_0);
+  stream << image;
+  return bytes;
+}
+
+QImage imageFromBytes(const QByteArray& bytes)
+{
+  QImage image;
+  if (bytes.isEmpty())
+    return image;
+  QDataStream stream(bytes);
+  stream.setVersion(QDataStream::Qt_6_0);
+  stream >> image;
+  if (stream.status() != QDataStream::Ok || !stream.atEnd())
+    return QImage();
+  return image;
+}
+
+QImage imageOr(const QDomNode& node, const QString& tag)
+{
+  QImage image;
+  if (!Xml::hasChild(node, tag))
+    return image;
+  const auto bytes = Parse::Binary::decode(Xml::getCData(node, tag));
+  if (bytes)
+    image = imageFromBytes(*bytes);
+  if (!bytes || (image.isNull() && !bytes->isEmpty()))
+    throw Xml::ParseException(
+        Xml::getChild(node, tag),
+        translate("MSysScript_Dialog_err", "The tag \"%1\" does not hold an image.", "").arg(tag));
+  return image;
+}
+
+QDomNode createImage(QDomDocument* document, const QString& tag, const QImage& image)
+{
+  return Xml::createCData(document, tag, Parse::Binary::encode(imageBytes(image)));
+}
+
+QImage imageArg(const QVariant& value)
+{
+  if (value.typeId() == QMetaType::QImage)
+    return value.value<QImage>();
+  if (value.typeId() != QMetaType::QByteArray)
+    throwTypeError();
+  const QByteArray bytes = value.toByteArray();
+  QImage image = imageFromBytes(bytes);
+  if (image.isNull() && !bytes.isEmpty() && !image.loadFromData(bytes))
+    throwTypeError();
+  return image;
 }
 
 QHBoxLayout* innerLayout(QWidget* widget)

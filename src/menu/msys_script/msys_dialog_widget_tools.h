@@ -1,6 +1,9 @@
 #pragma once
 
+#include <QByteArray>
+#include <QDomDocument>
 #include <QDomNode>
+#include <QImage>
 #include <QString>
 #include <QVariant>
 
@@ -40,6 +43,18 @@ QString nameText(const DialogWidget* widget);
 AttributeInfo row(const QString& name, const char* type, const char* description);
 // The base's rows, with the value row giving the type's own kind of value.
 std::vector<AttributeInfo> withValueType(std::vector<AttributeInfo> rows, const char* valueType);
+
+// An image in the form a definition stores it (Qt's data stream), and back; a null image for
+// bytes that hold none.
+QByteArray imageBytes(const QImage& image);
+QImage imageFromBytes(const QByteArray& bytes);
+// An image tag: the stored form in the host's binary text, one CDATA section. A missing tag is no
+// image; a tag that holds none is a fault of the definition.
+QImage imageOr(const QDomNode& node, const QString& tag);
+QDomNode createImage(QDomDocument* document, const QString& tag, const QImage& image);
+// A script's image: the stored form, any image file's bytes, or an image from the editor; empty
+// bytes clear it.
+QImage imageArg(const QVariant& value);
 
 // A layout that lets the inner control fill the element.
 QHBoxLayout* innerLayout(QWidget* widget);

@@ -1,6 +1,7 @@
 #include "menu/msys_script/msys_dialog_widgets.h"
 
 #include <QHBoxLayout>
+#include <QHeaderView>
 #include <QPainter>
 #include <QPushButton>
 #include <QTreeView>
@@ -23,6 +24,7 @@
 #include "menu/msys_script/msys_dialog_list_widget.h"
 #include "menu/msys_script/msys_dialog_property.h"
 #include "menu/msys_script/msys_dialog_radio_buttons.h"
+#include "menu/msys_script/msys_dialog_text_field_widget.h"
 #include "menu/msys_script/msys_error_codes.h"
 #include "menu/msys_script/msys_tools_python.h"
 #include "menu/msys_script/msys_value_limits.h"
@@ -266,6 +268,8 @@ ElementConfiguration::ElementConfiguration(QWidget* parent)
   _view->setItemDelegate(new PropertyEditorDelegate(_view));
   _view->setRootIsDecorated(false);
   _view->setEditTriggers(QAbstractItemView::AllEditTriggers);
+  // Labels such as "Keep original size" are read whole, in whatever font the panel gets.
+  _view->header()->setSectionResizeMode(0, QHeaderView::ResizeToContents);
   layout->addWidget(_view);
 }
 
@@ -391,6 +395,10 @@ void DialogRegistry::initialize()
   registry->_initialized = true;
   // Element types: one line each, in the order the editor lists them.
   registry->addWidgetCreator(new LabelWidgetCreator(DialogWidgetCreator::Category::Output, "Description field", "label"));
+  registry->addWidgetCreator(
+      new TextFieldWidgetCreator(DialogWidgetCreator::Category::Output, "Continuous text", "text"));
+  registry->addWidgetCreator(new ImageWidgetCreator(DialogWidgetCreator::Category::Output, "Image", "image"));
+  registry->addWidgetCreator(new LogWidgetCreator(DialogWidgetCreator::Category::Output, "Log", "log"));
   registry->addWidgetCreator(
       new ProgressBarWidgetCreator(DialogWidgetCreator::Category::Output, "Progress bar", "progressbar"));
   registry->addWidgetCreator(new IntegerWidgetCreator("Integer", "input"));

@@ -11,6 +11,7 @@
 #include "dialog_test_element.h"
 #include "gapp/main_window.h"
 #include "menu/msys_script/msys_dialog_button_widgets.h"
+#include "menu/msys_script/msys_dialog_widget_tools.h"
 
 using namespace Vel::MSysScript;
 
@@ -50,7 +51,7 @@ QImage picture(int width, int height)
 QString iconTag(const QImage& image)
 {
   return QStringLiteral("<icon><![CDATA[%1]]></icon>")
-      .arg(Vel::Parse::Binary::encode(ButtonWidget::imageBytes(image)));
+      .arg(Vel::Parse::Binary::encode(WidgetTools::imageBytes(image)));
 }
 
 TEST(BinaryText, RoundTripsAnyBytesAndRefusesDamage)
@@ -190,11 +191,11 @@ TEST(ButtonWidgets, ScriptAttributesChangeTheButtonAndReadBack)
   QByteArray png;
   QBuffer buffer(&png);
   image.save(&buffer, "PNG");
-  for (const QByteArray& bytes : {ButtonWidget::imageBytes(image), png}) {
+  for (const QByteArray& bytes : {WidgetTools::imageBytes(image), png}) {
     widget->__setattr__(ButtonWidget::TAG_ICON, bytes);
     EXPECT_EQ(widget->getIcon().convertToFormat(QImage::Format_ARGB32), image);
   }
-  EXPECT_EQ(ButtonWidget::imageFromBytes(widget->__getattr__(ButtonWidget::TAG_ICON).toByteArray()).size(), QSize(12, 12));
+  EXPECT_EQ(WidgetTools::imageFromBytes(widget->__getattr__(ButtonWidget::TAG_ICON).toByteArray()).size(), QSize(12, 12));
   widget->__setattr__(ButtonWidget::TAG_ICON_TYPE, QStringLiteral("file"));
   EXPECT_FALSE(widget->button()->icon().isNull());
   widget->__setattr__(ButtonWidget::TAG_ICON, QByteArray());
@@ -265,7 +266,7 @@ TEST(ButtonConfiguration, NewElementsAndThePanelsFields)
     EXPECT_EQ(widget->__getattr__(ButtonWidget::TAG_TEXT), QVariant(QString::fromLatin1(text)));
 
     // What the panel shows of an element it applies back unchanged; a picture included.
-    widget->__setattr__(ButtonWidget::TAG_ICON, ButtonWidget::imageBytes(picture(10, 10)));
+    widget->__setattr__(ButtonWidget::TAG_ICON, WidgetTools::imageBytes(picture(10, 10)));
     panel->setup(widget.get());
     QStringList labels;
     for (const Property* property : panel->getProperties())

@@ -15,6 +15,7 @@
 
 #include "cfg/cfg.h"
 #include "core/color.h"
+#include "core/parse_binary.h"
 #include "dialog_test_element.h"
 #include "gapp/progress.h"
 #include "gtools/vel_color_button.h"
@@ -23,6 +24,7 @@
 #include "menu/msys_script/msys_config.h"
 #include "menu/msys_script/msys_dialog_input_widgets.h"
 #include "menu/msys_script/msys_dialog_styles.h"
+#include "menu/msys_script/msys_dialog_widget_tools.h"
 
 using namespace Vel::MSysScript;
 
@@ -143,6 +145,22 @@ INSTANTIATE_TEST_SUITE_P(
                 "parts=4, step=2)",
                 "zut.dialog.ProgressBarWidget (name='n', value=0, minimum=0, maximum=100, text=percentage, "
                 "mode=manual, parts=1, step=0)"},
+        // No opening parenthesis and no name: the form scripts have always seen.
+        TagCase{"display::text", "<text><![CDATA[Bore <b>A</b>, it's %1]]></text><wordwrap>false</wordwrap>",
+                "zut.dialog.TextFieldWidget text='Bore <b>A</b>, it\\'s %1', word_wrap=False)",
+                "zut.dialog.TextFieldWidget text='', word_wrap=True)"},
+        TagCase{"display::log",
+                "<text><![CDATA[probe 1\nprobe 2]]></text><word_wrap>true</word_wrap><show_save>true</show_save>"
+                "<save_dialog_title>Keep</save_dialog_title><scroll_automatically>false</scroll_automatically>",
+                "zut.dialog.LogWidget (name='n', show_save=True, word_wrap=True, scroll_automatically)",
+                "zut.dialog.LogWidget (name='n', show_save=False, word_wrap=False, scroll_automatically)"},
+        // The file is only named: the picture travels in "data".
+        TagCase{"image",
+                "<use_system_image>true</use_system_image><system_image>system_message_question</system_image>"
+                "<file_name>C:\\parts\\bore's.png</file_name><keep_original_size>false</keep_original_size>"
+                "<keep_aspect>false</keep_aspect><width>64</width><height>32</height>",
+                "zut.dialog.ImageWidget (name='n', width=64, height=32, file_name='C:\\\\parts\\\\bore\\'s.png')",
+                "zut.dialog.ImageWidget (name='n', width=100, height=100, file_name='')"},
         TagCase{"separator", "<title>Probing</title>", "zut.dialog.SeparatorWidget (title='Probing')",
                 "zut.dialog.SeparatorWidget (title='')"},
         TagCase{"spacer::horizontal", "<minimum_size>40</minimum_size>", "zut.dialog.HorizontalSpacerWidget ()",
@@ -223,7 +241,15 @@ INSTANTIATE_TEST_SUITE_P(
                       AttributeCase{"input::date", "value", QDate(2020, 1, 31)},
                       AttributeCase{"input::date", "default_date", QDate(1999, 12, 31)},
                       AttributeCase{"input::date", "year", 2031},
-                      AttributeCase{"input::date", "show_today_button", false}));
+                      AttributeCase{"input::date", "show_today_button", false},
+                      AttributeCase{"display::text", "text", QStringLiteral("<i>Clamp</i> first")},
+                      AttributeCase{"display::text", "word_wrap", false},
+                      AttributeCase{"display::log", "text", QStringLiteral("a\n<b>b</b>\n")},
+                      AttributeCase{"display::log", "save_dialog_title", QStringLiteral("Keep")},
+                      AttributeCase{"display::log", "show_save", true},
+                      AttributeCase{"image", "system_image", QStringLiteral("system_message_critical")},
+                      AttributeCase{"image", "keep_aspect", false}, AttributeCase{"image", "height", 7},
+                      AttributeCase{"image", "data", QByteArray()}));
 
 TEST(InputWidgets, NumberValueIsClampedByTheSpin)
 {
@@ -292,6 +318,16 @@ INSTANTIATE_TEST_SUITE_P(
                       RefusalCase{"display::progressbar", "value", 2.5, WRONG_TYPE},
                       RefusalCase{"separator", "title", QVariant(), WRONG_TYPE},
                       RefusalCase{"spacer::vertical", "minimum_size", -1, WRONG_TYPE},
+                      RefusalCase{"display::text", "text", 5, WRONG_TYPE},
+                      RefusalCase{"display::text", "word_wrap", QStringLiteral("yes"), WRONG_TYPE},
+                      RefusalCase{"display::log", "scroll_automatically", 1.0, WRONG_TYPE},
+                      RefusalCase{"image", "system_image", QStringLiteral("system_message_info"),
+                                  "The system image name \"system_message_info\" is invalid."},
+                      RefusalCase{"image", "scaling", 2.0, "The image is not scaleable."},
+                      RefusalCase{"image", "file_name", QStringLiteral("/no/such/bore.png"),
+                                  "Cannot load \"/no/such/bore.png\"."},
+                      RefusalCase{"image", "width", 0, WRONG_TYPE},
+                      RefusalCase{"image", "data", QByteArray("no picture"), WRONG_TYPE},
                       RefusalCase{"button::abort", "toggleable", true,
                                   "The object has no writeable attribute \"toggleable\"."}));
 
@@ -346,7 +382,11 @@ INSTANTIATE_TEST_SUITE_P(
         CheckCase{"input::checkbox", "<title> \t</title>", "Element \"n\" does not has a labeling."},
         CheckCase{"input::checkbox", "<title>Save</title>", ""},
         CheckCase{"label", "", "For object \"n\" no text was entered yet."},
-        CheckCase{"label", "<text>Bore</text>", ""}));
+        CheckCase{"label", "<text>Bore</text>", ""},
+        CheckCase{"display::log", "<show_save>true</show_save>",
+                  "The dialog title of the save dialog must not be empty."},
+        CheckCase{"display::log", "<show_save>true</show_save><save_dialog_title>Keep</save_dialog_title>", ""},
+        CheckCase{"display::log", "", ""}));
 
 // A bar in system mode follows the progress the application reports; in manual mode only the
 // script moves it.
@@ -401,6 +441,11 @@ TEST(InputWidgets, AttributeRowsFollowTheBaseInTableOrder)
       {"input::checkbox", {"title"}},
       {"input::color", {"color", "transparency_allowed"}},
       {"input::date", {"year", "month", "day", "use_current_date", "default_date", "show_today_button"}},
+      {"display::text", {"text", "word_wrap"}},
+      {"display::log", {"text", "word_wrap", "show_save", "save_dialog_title", "scroll_automatically"}},
+      {"image",
+       {"use_system_image", "system_image", "data", "file_name", "keep_original_size", "keep_aspect", "width", "height",
+        "scaling"}},
   };
   for (const auto& [type, own] : cases) {
     const QStringList lines = create(QString::fromLatin1(type))->__doc__().split(QLatin1Char('\n'));
@@ -413,6 +458,9 @@ TEST(InputWidgets, AttributeRowsFollowTheBaseInTableOrder)
   EXPECT_TRUE(create(QStringLiteral("input::slider"))->__doc__().contains(
       QStringLiteral("step float - Amount of increase/decrease with each step")));
   EXPECT_TRUE(create(QStringLiteral("input::color"))->__doc__().contains(QStringLiteral("value zut.Color - ")));
+  EXPECT_TRUE(create(QStringLiteral("image"))->__doc__().contains(QStringLiteral(
+      "system_image str - Name of the system image to display. Valid names are: system_message_information, "
+      "system_message_warning, system_message_critical, system_message_question")));
 }
 
 // A person's edits reach the element's change signal; scripts and definitions use the same path.
@@ -483,6 +531,11 @@ TEST(InputConfiguration, PanelsListTheirFieldsUnderTheirTitle)
       {"input::checkbox", {"Checkbox", "Labeling", "Default status"}},
       {"input::color", {"Color", "Allow transparency"}},
       {"input::date", {"Date", "Use current date", "Show \"Today\" button", "Default date"}},
+      {"display::text", {"Continuous text", "Word wrap"}},
+      {"display::log", {"Log", "Word wrap", "Show \"Save\" button", "Title of save dialog", "Scroll automatically"}},
+      {"image",
+       {"Image", "Use system image", "System image", "File", "Keep original size", "Keep aspect ratio", "Width",
+        "Height"}},
   };
   for (const auto& [type, labels] : cases) {
     std::unique_ptr<ElementConfiguration> panel(
@@ -529,6 +582,18 @@ TEST(InputConfiguration, NewElementsTakeTheUsersStartingValues)
 
 // ---------------------------------------------------------------------------------------------
 
+// A picture that shows whether it is scaled evenly: a disc in a square frame, wider than high.
+QImage samplePicture()
+{
+  QImage image(48, 32, QImage::Format_ARGB32);
+  image.fill(QColor(0, 128, 128));
+  QPainter painter(&image);
+  painter.setRenderHint(QPainter::Antialiasing);
+  painter.setBrush(QColor(255, 200, 0));
+  painter.drawEllipse(QRect(12, 4, 24, 24));
+  return image;
+}
+
 // With ZUT_TEST_SCREENSHOTS set, every registered element type is kept as a picture, plain and in
 // the touch screen style, laid out as a grid cell holds it.
 TEST(ElementPictures, EveryTypeRendersInBothStyles)
@@ -555,6 +620,15 @@ TEST(ElementPictures, EveryTypeRendersInBothStyles)
       {QStringLiteral("label"), QStringLiteral("<text>Diameter of the &lt;b&gt;bore&lt;/b&gt;</text>")},
       {QStringLiteral("separator"), QStringLiteral("<title>Probing</title>")},
       {QStringLiteral("display::progressbar"), QStringLiteral("<value>40</value>")},
+      {QStringLiteral("display::text"),
+       QStringLiteral("<text><![CDATA[<b>Probing</b> starts at the <i>left</i> bore. Keep the part clamped until "
+                      "the last point is taken.]]></text>")},
+      {QStringLiteral("display::log"),
+       QStringLiteral("<text><![CDATA[Bore 1: 12.503 mm\nBore 2: 12.497 mm\nBore 3: 12.512 mm]]></text>"
+                      "<show_save>true</show_save><save_dialog_title>Save log</save_dialog_title>")},
+      {QStringLiteral("image"), QStringLiteral("<data><![CDATA[%1]]></data><keep_original_size>false</keep_original_size>"
+                                               "<width>64</width><height>64</height>")
+                                    .arg(Vel::Parse::Binary::encode(WidgetTools::imageBytes(samplePicture())))},
       {QStringLiteral("spacer::horizontal"), QStringLiteral("<minimum_size>40</minimum_size>")},
       {QStringLiteral("spacer::vertical"), QStringLiteral("<minimum_size>20</minimum_size>")},
   };
@@ -578,6 +652,7 @@ TEST(ElementPictures, EveryTypeRendersInBothStyles)
       widget->setGeometry(8, 8, width, hint.height());
       cell.resize(width + 16, hint.height() + 16);
       cell.show();
+      QApplication::processEvents();
       EXPECT_LE(widget->minimumSizeHint().width(), width) << pos->first.toStdString();
       if (!folder.isEmpty()) {
         QString name = pos->first;

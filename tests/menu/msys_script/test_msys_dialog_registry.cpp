@@ -127,7 +127,8 @@ TEST(DialogRegistry, ASecondCreatorWithTheSameIdIsAProgrammingError)
   EXPECT_EQ(ids(registry->getSortedWidgetCreators(Category::Input)),
             QStringList({"input::integer", "input::number", "input::string", "input::slider", "input::checkbox",
                          "input::file", "input::date", "input::color", "test::element"}));
-  EXPECT_EQ(ids(registry->getSortedWidgetCreators(Category::Output)), QStringList({"label", "display::progressbar"}));
+  EXPECT_EQ(ids(registry->getSortedWidgetCreators(Category::Output)),
+            QStringList({"label", "display::text", "image", "display::log", "display::progressbar"}));
   EXPECT_EQ(ids(registry->getSortedWidgetCreators(Category::Layout)),
             QStringList({"separator", "spacer::horizontal", "spacer::vertical"}));
 }
