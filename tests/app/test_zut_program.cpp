@@ -420,11 +420,18 @@ TEST_F(ZutProgram, LintReportsEachFaultWithFileAndLineAndNormalizesOlderWords)
   const QString broken = file(
       "broken.xml",
       "<dialog>\n<title>T</title>\n<control id=\"Close\"/>\n<position>middle</position>\n"
-      "<content rows=\"1\" columns=\"4\">\n"
+      "<content rows=\"3\" columns=\"4\">\n"
       "<widget type=\"input::gauge\" row=\"0\" column=\"0\"/>\n"
       "<widget type=\"button::pushbutton\" row=\"0\" column=\"1\"><name>b</name>\n<type>Toggle</type></widget>\n"
       "<widget type=\"input::checkbox\" row=\"0\" column=\"2\"><name>c</name></widget>\n"
       "<widget type=\"input::string\" row=\"0\" column=\"3\"><name>c</name></widget>\n"
+      "<widget type=\"input::radiobutton\" row=\"1\" column=\"0\"><name>r</name><items/></widget>\n"
+      "<widget type=\"input::file\" row=\"1\" column=\"1\"><name>f</name><file_types><file_type>"
+      "<name>*.txt,*.csv</name><description>Tables</description></file_type></file_types></widget>\n"
+      "<widget type=\"display::log\" row=\"1\" column=\"2\"><name>l</name><show_save>true</show_save>"
+      "<save_dialog_title></save_dialog_title></widget>\n"
+      "<widget type=\"image\" row=\"1\" column=\"3\"><name>i</name>\n<system_image>tip</system_image></widget>\n"
+      "<widget type=\"label\" row=\"2\" column=\"0\"><name>t</name></widget>\n"
       "</content>\n</dialog>\n");
   const QString truncated = file("truncated.xml", "<dialog>\n<title>T</title>\n");
   // Nesting far beyond any dialog is refused at once, not after the parser has worked through it.
@@ -446,11 +453,19 @@ TEST_F(ZutProgram, LintReportsEachFaultWithFileAndLineAndNormalizesOlderWords)
       broken + QStringLiteral(":8: The button type \"Toggle\" is invalid."),
       broken + QStringLiteral(":9: Element \"c\" does not has a labeling."),
       broken + QStringLiteral(":10: The name \"c\" of the GUI element exists twice."),
+      broken + QStringLiteral(":11: For object \"r\" no button was added yet."),
+      broken + QStringLiteral(":12: The file extension *.txt,*.csv is invalid. Make sure that an asterisk was "
+                              "entered directly before the file extension. Enter one file extension only or "
+                              "separate several file extensions by a space."),
+      broken + QStringLiteral(":13: The dialog title of the save dialog must not be empty."),
+      broken + QStringLiteral(":15: The system image name \"tip\" is invalid."),
+      broken + QStringLiteral(":16: For object \"t\" no text was entered yet."),
   };
   ASSERT_EQ(lines.size(), expected.size() + 2) << qPrintable(faults.err);
   EXPECT_EQ(lines.mid(0, expected.size()), expected);
-  EXPECT_TRUE(lines[5].startsWith(truncated + QStringLiteral(":3: Parse error: "))) << qPrintable(lines[5]);
-  EXPECT_EQ(lines[6], nested + QStringLiteral(":2: Parse error: elements are nested deeper than 256 levels"));
+  EXPECT_TRUE(lines[expected.size()].startsWith(truncated + QStringLiteral(":3: Parse error: ")))
+      << qPrintable(lines[expected.size()]);
+  EXPECT_EQ(lines[expected.size() + 1], nested + QStringLiteral(":2: Parse error: elements are nested deeper than 256 levels"));
 
   const Result json = zut({QStringLiteral("lint"), QStringLiteral("--json"), broken});
   EXPECT_EQ(json.status, 1);

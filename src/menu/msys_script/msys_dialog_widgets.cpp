@@ -398,7 +398,7 @@ void DialogRegistry::initialize()
   registry->addWidgetCreator(
       new TextFieldWidgetCreator(DialogWidgetCreator::Category::Output, "Continuous text", "text"));
   registry->addWidgetCreator(new ImageWidgetCreator(DialogWidgetCreator::Category::Output, "Image", "image"));
-  registry->addWidgetCreator(new LogWidgetCreator(DialogWidgetCreator::Category::Output, "Log", "log"));
+  registry->addWidgetCreator(new LogWidgetCreator(DialogWidgetCreator::Category::Output, "Log", ""));
   registry->addWidgetCreator(
       new ProgressBarWidgetCreator(DialogWidgetCreator::Category::Output, "Progress bar", "progressbar"));
   registry->addWidgetCreator(new IntegerWidgetCreator("Integer", "input"));
