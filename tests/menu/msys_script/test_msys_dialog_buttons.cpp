@@ -8,34 +8,19 @@
 #include <gtest/gtest.h>
 
 #include "core/parse_binary.h"
-#include "dialog_test_element.h"
+#include "dialog_test_tools.h"
 #include "gapp/main_window.h"
 #include "menu/msys_script/msys_dialog_button_widgets.h"
 #include "menu/msys_script/msys_dialog_widget_tools.h"
 
 using namespace Vel::MSysScript;
+using TestElement::xmlOf;
 
 namespace {
 
 std::unique_ptr<ButtonWidget> button(const char* type, const QString& tags = QString())
 {
-  const DialogWidgetCreator* creator =
-      TestElement::registryWithTestElement()->getWidgetCreator(QString::fromLatin1(type));
-  std::unique_ptr<ButtonWidget> widget(static_cast<ButtonWidget*>(creator->createWidget()));
-  QDomDocument document;
-  if (!document.setContent(QStringLiteral("<widget><name>b</name>%1</widget>").arg(tags)))
-    throw std::runtime_error("bad test XML");
-  widget->parseXml(document.documentElement());
-  return widget;
-}
-
-QString xmlOf(const DialogWidget* widget)
-{
-  QDomDocument document;
-  QDomElement element = document.createElement(QStringLiteral("widget"));
-  widget->createXml(&document, &element);
-  document.appendChild(element);
-  return document.toString();
+  return TestElement::parsed<ButtonWidget>(QString::fromLatin1(type), tags, QStringLiteral("b"));
 }
 
 QImage picture(int width, int height)

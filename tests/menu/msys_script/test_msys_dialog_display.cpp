@@ -16,7 +16,7 @@
 #include <gtest/gtest.h>
 
 #include "core/prog_error.h"
-#include "dialog_test_element.h"
+#include "dialog_test_tools.h"
 #include "gtools/error_dialog.h"
 #include "gtools/file_dialog.h"
 #include "menu/msys_script/msys_dialog_definition.h"
@@ -25,13 +25,9 @@
 #include "menu/msys_script/msys_dialog_text_field_widget.h"
 
 using namespace Vel::MSysScript;
+using TestElement::create;
 
 namespace {
-
-std::unique_ptr<DialogWidget> create(const QString& type)
-{
-  return std::unique_ptr<DialogWidget>(TestElement::registryWithTestElement()->getWidgetCreator(type)->createWidget());
-}
 
 QString dialogHolding(const QString& type, const QString& tags)
 {

@@ -17,7 +17,7 @@
 #include <functional>
 #include <optional>
 
-#include "dialog_test_element.h"
+#include "dialog_test_tools.h"
 #include "gscript/python_interpreter.h"
 #include "gtools/file_dialog.h"
 #include "menu/msys_script/msys_dialog_file_widget.h"
@@ -25,28 +25,13 @@
 
 using namespace Vel::MSysScript;
 using Vel::GTools::FileDialog;
+using TestElement::xmlOf;
 
 namespace {
 
 std::unique_ptr<FileWidget> parsed(const QString& tags, const QString& name = QStringLiteral("f"))
 {
-  TestElement::registryWithTestElement();
-  auto widget = std::make_unique<FileWidget>();
-  QDomDocument document;
-  const QString text = QStringLiteral("<widget type=\"input::file\"><name>%1</name>%2</widget>").arg(name, tags);
-  if (!document.setContent(text))
-    throw std::runtime_error("bad test XML: " + text.toStdString());
-  widget->parseXml(document.documentElement());
-  return widget;
-}
-
-QString xmlOf(const DialogWidget* widget)
-{
-  QDomDocument document;
-  QDomElement element = document.createElement(QStringLiteral("widget"));
-  widget->createXml(&document, &element);
-  document.appendChild(element);
-  return document.toString();
+  return TestElement::parsed<FileWidget>(FileWidget::TYPE_ID, tags, name);
 }
 
 // Everything the element holds on one line, so that a table can say what it expects.

@@ -16,7 +16,7 @@
 #include "cfg/cfg.h"
 #include "core/color.h"
 #include "core/parse_binary.h"
-#include "dialog_test_element.h"
+#include "dialog_test_tools.h"
 #include "gapp/progress.h"
 #include "gtools/vel_color_button.h"
 #include "gtools/vel_slider.h"
@@ -27,41 +27,9 @@
 #include "menu/msys_script/msys_dialog_widget_tools.h"
 
 using namespace Vel::MSysScript;
+using namespace TestElement;
 
 namespace {
-
-std::unique_ptr<DialogWidget> create(const QString& type)
-{
-  const DialogWidgetCreator* creator = TestElement::registryWithTestElement()->getWidgetCreator(type);
-  if (!creator)
-    throw std::runtime_error("unknown type " + type.toStdString());
-  return std::unique_ptr<DialogWidget>(creator->createWidget());
-}
-
-void parse(DialogWidget* widget, const QString& tags)
-{
-  QDomDocument document;
-  const QString text = QStringLiteral("<widget type=\"%1\">\n<name>n</name>%2</widget>").arg(widget->getCreatorId(), tags);
-  if (!document.setContent(text))
-    throw std::runtime_error("bad test XML: " + text.toStdString());
-  widget->parseXml(document.documentElement());
-}
-
-std::unique_ptr<DialogWidget> parsed(const QString& type, const QString& tags)
-{
-  std::unique_ptr<DialogWidget> widget = create(type);
-  parse(widget.get(), tags);
-  return widget;
-}
-
-QString xmlOf(const DialogWidget* widget)
-{
-  QDomDocument document;
-  QDomElement element = document.createElement(QStringLiteral("widget"));
-  widget->createXml(&document, &element);
-  document.appendChild(element);
-  return document.toString();
-}
 
 const QString TODAY = QDate::currentDate().toString();
 

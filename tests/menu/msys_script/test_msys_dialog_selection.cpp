@@ -24,7 +24,7 @@
 
 #include "cfg/cfg.h"
 #include "core/prog_error.h"
-#include "dialog_test_element.h"
+#include "dialog_test_tools.h"
 #include "gscript/python_interpreter.h"
 #include "gtools/error_dialog.h"
 #include "menu/msys_script/msys_config.h"
@@ -33,43 +33,13 @@
 #include "menu/msys_script/msys_dialog_radio_buttons.h"
 
 using namespace Vel::MSysScript;
+using namespace TestElement;
 
 namespace {
 
 const QString LIST = QStringLiteral("input::list");
 const QString RADIO = QStringLiteral("input::radiobutton");
 const char* WRONG_TYPE = "The value has not the expected type.";
-
-std::unique_ptr<DialogWidget> create(const QString& type)
-{
-  return std::unique_ptr<DialogWidget>(
-      TestElement::registryWithTestElement()->getWidgetCreator(type)->createWidget());
-}
-
-void parse(DialogWidget* widget, const QString& tags)
-{
-  QDomDocument document;
-  const QString text = QStringLiteral("<widget>\n<name>n</name>%1</widget>").arg(tags);
-  if (!document.setContent(text))
-    throw std::runtime_error("bad test XML: " + text.toStdString());
-  widget->parseXml(document.documentElement());
-}
-
-std::unique_ptr<DialogWidget> parsed(const QString& type, const QString& tags)
-{
-  std::unique_ptr<DialogWidget> widget = create(type);
-  parse(widget.get(), tags);
-  return widget;
-}
-
-QString xmlOf(const DialogWidget* widget)
-{
-  QDomDocument document;
-  QDomElement element = document.createElement(QStringLiteral("widget"));
-  widget->createXml(&document, &element);
-  document.appendChild(element);
-  return document.toString();
-}
 
 const char* THREE_ENTRIES = "<items><item>Gauss</item><item>Minimum zone</item><item>Chebyshev</item></items>";
 const char* THREE_BUTTONS = "<items><item state=\"G\" description=\"Gauss\"/><item state=\"M\" description=\"Minimum "
