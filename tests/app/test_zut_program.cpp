@@ -830,6 +830,9 @@ dlg.m.limits = {"descriptions": ["Gauss", 3], "limited": True}
 print(dlg.m.items, dlg.m.value)
 dlg.f.limits = {"extensions": ["stl", "txt"], "limited": True}
 print(dlg.f.limits)
+dlg.f.limits = {"extensions": ["*", ""], "limited": False}
+dlg.f.limits = dlg.f.limits
+print(dlg.f.file_types)
 before = repr(dlg.d), repr(dlg.m), repr(dlg.f)
 for target, value in [(dlg.d, (0, 10)), (dlg.d, {"lower": 0.0, "step": 1.0}), (dlg.d, (5.0, 1.0)),
                       (dlg.d, {"descriptions": ["a"]}), (dlg.m, (0.0, 1.0)), (dlg.f, {"descriptions": ["a"]}),
@@ -851,7 +854,8 @@ print(dlg.d.__doc__.splitlines()[0], "limits dict" in dlg.d.__doc__)
                                     "1 9\n"
                                     "2.0 4.0 1\n"
                                     "['Gauss', '3'] Gauss\n"
-                                    "{'extensions': ['stl', 'txt'], 'limited': True}\n") +
+                                    "{'extensions': ['stl', 'txt'], 'limited': True}\n"
+                                    "[['*.*', 'All files'], ['*.', 'Files without extension']]\n") +
                          wrong.repeated(7) +
                          QStringLiteral("refused: The object has no writeable attribute \"limits\".\nTrue\n"
                                         "Handle for a widget called 'd' of type 'Decimal' (input::number) True\n"));

@@ -140,7 +140,7 @@ QString getCData(const QDomNode& node, const QString& tag)
   const QDomElement child = getChild(node, tag);
   const QDomNodeList nodes = child.childNodes();
   if (nodes.isEmpty())
-    throw ParseException(child, translate("MSysScript_Dialog_err", "The section \"CDATA\" is expected.", ""));
+    throw ParseException(child, translate("MSysScript_Dialog_err", "Only one child element is allowed.", ""));
   // A text holding "]]>" can only be written as adjacent sections, split inside it: they are one
   // text again. Anything else beside a section is not ours.
   QString text;

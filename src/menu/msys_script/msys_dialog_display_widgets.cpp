@@ -217,12 +217,9 @@ QString ProgressBarWidget::__repr__() const
 {
   return QStringLiteral("zut.dialog.ProgressBarWidget (name='%1', value=%4, minimum=%5, maximum=%6, text=%2, "
                         "mode=%3, parts=%7, step=%8)")
-      .arg(nameText(this), texts().getId(_text), modes().getId(_mode))
-      .arg(_bar->value())
-      .arg(_bar->minimum())
-      .arg(_bar->maximum())
-      .arg(_parts)
-      .arg(_step);
+      .arg(nameText(this), texts().getId(_text), modes().getId(_mode), QString::number(_bar->value()),
+           QString::number(_bar->minimum()), QString::number(_bar->maximum()), QString::number(_parts),
+           QString::number(_step));
 }
 
 QVariant ProgressBarWidget::__getattr__(const QString& name) const
@@ -741,10 +738,9 @@ void ImageWidget::createXml(QDomDocument* document, QDomElement* element) const
 
 QString ImageWidget::__repr__() const
 {
+  // One substitution for all places: a name or file name holding "%3" stays as it is.
   return QStringLiteral("zut.dialog.ImageWidget (name='%1', width=%3, height=%4, file_name='%2')")
-      .arg(nameText(this), escapePythonString(_file_name))
-      .arg(_width)
-      .arg(_height);
+      .arg(nameText(this), escapePythonString(_file_name), QString::number(_width), QString::number(_height));
 }
 
 QVariant ImageWidget::__getattr__(const QString& name) const

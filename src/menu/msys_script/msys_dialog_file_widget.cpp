@@ -286,17 +286,19 @@ void FileWidget::setValueLimits(const ValueLimits& limits)
     throwTypeError();
   QList<FileType> types;
   for (QString extension : files->getExtensions()) {
-    // "stl", ".stl" and "*.stl" all name the same extension.
-    if (extension.startsWith(QLatin1Char('*')))
+    // "stl", ".stl" and "*.stl" all name the same extension; "*" is any extension and the empty
+    // one none, as the limits read back give them.
+    if (extension.startsWith(QLatin1String("*.")))
+      extension.remove(0, 2);
+    else if (extension.startsWith(QLatin1Char('.')))
       extension.remove(0, 1);
-    if (extension.startsWith(QLatin1Char('.')))
-      extension.remove(0, 1);
-    if (extension.isEmpty())
-      throwTypeError();
     const QString pattern = QStringLiteral("*.") + extension;
-    if (const QString part = invalidPattern(pattern); !part.isEmpty())
-      throw ScriptTypeException(patternError(part));
-    types.push_back({pattern, attributeText("%1 files").arg(extension.toUpper())});
+    if (const QString part = invalidPattern(pattern); !part.isEmpty() || pattern.contains(QLatin1Char(' ')))
+      throw ScriptTypeException(patternError(part.isEmpty() ? pattern : part));
+    const QString description = extension == QLatin1String("*") ? attributeText("All files")
+                                : extension.isEmpty()              ? attributeText("Files without extension")
+                                                                   : attributeText("%1 files").arg(extension.toUpper());
+    types.push_back({pattern, description});
   }
   _select->setFileTypes(types);
   _select->setLimited(files->isLimited());

@@ -85,7 +85,11 @@ public:
   }
   void setAttribute(const QString& name, const QVariant& value) override
   {
-    dialog()->setFromScript(element(), name, value);
+    // Limits are read from the script's object before the element is looked up: reading them
+    // runs the script's own code, which may close the dialog.
+    const bool limits = name == DialogWidget::TAG_LIMITS && value.typeId() == GScript::PythonCallable::typeId();
+    const QVariant taken = limits ? DialogWidget::readValueLimits(value) : value;
+    dialog()->setFromScript(element(), name, taken);
   }
   bool takesScriptObject(const QString& name) const override
   {

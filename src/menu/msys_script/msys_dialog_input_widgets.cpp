@@ -97,8 +97,9 @@ unsigned precisionOf(int digits)
   return static_cast<unsigned>(std::clamp(digits, 0, MAX_PRECISION));
 }
 
-// Limits a script gives for a number: a range or none, and the decimal digits where it names
-// them. A range that is upside down or not finite is refused like any wrong value.
+// Limits a script gives for a number: a range or none, and the decimal digits numeric limits
+// carry (2 where the script names none). No limits at all leave the digits as they are. A range
+// that is upside down or not finite is refused like any wrong value.
 struct NumberLimits
 {
   bool limited = false;

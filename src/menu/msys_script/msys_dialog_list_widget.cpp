@@ -22,7 +22,6 @@
 #include "menu/msys_script/VelMSysXmlTools.h"
 #include "menu/msys_script/msys_config.h"
 #include "menu/msys_script/msys_dialog_widget_tools.h"
-#include "menu/msys_script/msys_error_codes.h"
 #include "menu/msys_script/msys_value_limits.h"
 
 namespace Vel::MSysScript {
@@ -175,6 +174,7 @@ std::vector<AttributeInfo> ListWidget::getAttributeInfo() const
 {
   auto rows = withValueType(DialogWidget::getAttributeInfo(), "str");
   rows.push_back(row(TAG_ITEMS, "list", "List of items"));
+  rows.push_back(row(TAG_DEFAULT, "str", "Default entry"));
   rows.push_back(row(TAG_LIMITS, "dict", "Allowed entries"));
   return rows;
 }
@@ -371,14 +371,14 @@ void ListEditorDialog::accept()
   _table->selectionModel()->setCurrentIndex(QModelIndex(), QItemSelectionModel::NoUpdate);
   _table->selectionModel()->setCurrentIndex(current, QItemSelectionModel::NoUpdate);
   if (_can_select_default_item && _table->rowCount() > 0 && defaultRow() < 0) {
-    GTools::ErrorDialog(QString::fromLatin1(ERR_EXECUTE_SCRIPT),
-                        translate("VelMSysScript_ListEditor_err", "Please define a default display.", ""));
+    // The person's slip in the table, not a failed operation: said without an error code.
+    GTools::ErrorDialog(QString(), translate("VelMSysScript_ListEditor_err", "Please define a default display.", ""));
     return;
   }
   if (_row_check) {
     const QString fault = _row_check(getRows());
     if (!fault.isEmpty()) {
-      GTools::ErrorDialog(QString::fromLatin1(ERR_EXECUTE_SCRIPT), fault);
+      GTools::ErrorDialog(QString(), fault);
       return;
     }
   }

@@ -192,9 +192,12 @@ std::vector<AttributeInfo> RadioButtonWidget::getAttributeInfo() const
 void RadioButtonWidget::setItems(const std::vector<Item>& items, const QString& keep)
 {
   setFocusProxy(nullptr);
+  // Later, not now: a handler may replace the items from inside the click of one of them.
   for (QRadioButton* button : _buttons) {
     _group->removeButton(button);
-    delete button;
+    button->hide();
+    _layout->removeWidget(button);
+    button->deleteLater();
   }
   _buttons.clear();
   _states.clear();

@@ -75,9 +75,11 @@ bool DialogWidget::checkConfiguration(QString* error) const
 
 void DialogWidget::parseXml(const QDomNode& node)
 {
-  setName(Xml::getValue<QString>(node, TAG_NAME));
-  if (Xml::hasChild(node, TAG_TOOLTIP))
-    _tooltip = Xml::getValue<QString>(node, TAG_TOOLTIP);
+  // Both read before either is taken: a fault in the second leaves the first as it was.
+  const QString name = Xml::getValue<QString>(node, TAG_NAME);
+  const QString tooltip = Xml::hasChild(node, TAG_TOOLTIP) ? Xml::getValue<QString>(node, TAG_TOOLTIP) : _tooltip;
+  setName(name);
+  _tooltip = tooltip;
   updateWidget();
 }
 
@@ -141,16 +143,23 @@ void DialogWidget::__setattr__(const QString& name, const QVariant& value)
   else if (name == TAG_FOCUS) {
     if (value.toBool())
       takeFocus();
+  } else if (name == TAG_LIMITS && value.typeId() == qMetaTypeId<ValueLimitsPtr>()) {
+    setValueLimits(*value.value<ValueLimitsPtr>());
   } else if (name == TAG_LIMITS && value.typeId() == GScript::PythonCallable::typeId()) {
-    // The script's own object, read by the rules for value limits; one that matches none of
-    // them is a wrong value like any other.
-    const std::unique_ptr<ValueLimits> limits(
-        createValueLimits(static_cast<PyObject*>(value.value<GScript::PythonCallable>().get())));
-    if (!limits)
-      throw ScriptTypeException(errorText("The value has not the expected type."));
-    setValueLimits(*limits);
+    setValueLimits(*readValueLimits(value).value<ValueLimitsPtr>());
   } else
     throwNotWritable(name);
+}
+
+QVariant DialogWidget::readValueLimits(const QVariant& scriptObject)
+{
+  if (scriptObject.typeId() != GScript::PythonCallable::typeId())
+    throw ScriptTypeException(errorText("The value has not the expected type."));
+  const ValueLimitsPtr limits(
+      createValueLimits(static_cast<PyObject*>(scriptObject.value<GScript::PythonCallable>().get())));
+  if (!limits)
+    throw ScriptTypeException(errorText("The value has not the expected type."));
+  return QVariant::fromValue(limits);
 }
 
 void DialogWidget::setValueLimits(const ValueLimits&)

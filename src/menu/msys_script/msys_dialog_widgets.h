@@ -78,6 +78,9 @@ public:
   // Takes limits of the element's own kind (numbers, list entries, file types) and refuses any
   // other with the script error of a wrong value; types without limits have no such attribute.
   virtual void setValueLimits(const ValueLimits& limits);
+  // The limits a script's own Python object describes, ready for the "limits" attribute; an
+  // object that matches no rule is a wrong value. Reading it may run the script's code.
+  static QVariant readValueLimits(const QVariant& scriptObject);
 
   // The line of the definition that the element was read from; -1 when not read.
   int getSourceLine() const { return _source_line; }

@@ -306,13 +306,17 @@ void UserDefinedDialog::slotChanged(DialogWidget* element, const QString& event)
 {
   if (!_handler.isValid() || _closed)
     return;
-  ++_handler_depth;
+  struct Depth
+  {
+    int& depth;
+    explicit Depth(int& d) : depth(++d) {}
+    ~Depth() { --depth; }
+  } running(_handler_depth);
   try {
     GScript::PythonInterpreter::call(_handler, {makeSender(this, element, event)});
   } catch (...) {
     failWith(std::current_exception());
   }
-  --_handler_depth;
 }
 
 void UserDefinedDialog::slotElementModified(DialogWidget* element)

@@ -1,7 +1,10 @@
 #pragma once
 
+#include <QMetaType>
 #include <QString>
 #include <QStringList>
+
+#include <memory>
 
 namespace Vel::MSysScript {
 
@@ -75,3 +78,10 @@ public:
 };
 
 }  // namespace Vel::MSysScript
+
+namespace Vel::MSysScript {
+// Limits on their way from a script to an element.
+using ValueLimitsPtr = std::shared_ptr<const ValueLimits>;
+}  // namespace Vel::MSysScript
+
+Q_DECLARE_METATYPE(Vel::MSysScript::ValueLimitsPtr)

@@ -71,8 +71,14 @@ void ErrorDialog(const QString& code, const QString& text)
     return;
   }
   const QString message = ErrorMessageContainer::getMessage(code);
-  const QString headline = message.isEmpty() ? code : QStringLiteral("%1: %2").arg(code, message);
+  const QString headline = code.isEmpty()      ? text.section(QLatin1Char('\n'), 0, 0)
+                           : message.isEmpty() ? code
+                                               : QStringLiteral("%1: %2").arg(code, message);
   if (isInteractive()) {
+    if (code.isEmpty()) {
+      QMessageBox::warning(QApplication::activeWindow(), QStringLiteral("Warning"), text);
+      return;
+    }
     QMessageBox box(QMessageBox::Critical, QStringLiteral("Error"), headline, QMessageBox::Ok);
     box.setDetailedText(text);
     box.setInformativeText(text.section(QLatin1Char('\n'), 0, 0));
@@ -80,7 +86,7 @@ void ErrorDialog(const QString& code, const QString& text)
     return;
   }
   std::fprintf(stderr, "%s\n", headline.toLocal8Bit().constData());
-  if (!text.isEmpty())
+  if (!text.isEmpty() && !code.isEmpty())
     std::fprintf(stderr, "%s\n", text.toLocal8Bit().constData());
 }
 

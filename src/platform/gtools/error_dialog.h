@@ -16,8 +16,9 @@ VEL_EXPORT void prepareGuiEnvironment();
 // Whether a person can answer a dialog: a GUI application on a real display platform.
 VEL_EXPORT bool isInteractive();
 
-// Shows an error with its code, the code's registered message and the detail text. Without a
-// person to see it, it goes to standard error.
+// Shows an error with its code, the code's registered message and the detail text; without a
+// code, the text alone (a slip a person can correct at once). Without a person to see it, it goes
+// to standard error.
 VEL_EXPORT void ErrorDialog(const QString& code, const QString& text);
 
 // Asks a yes/no question; without a person to answer, the answer is `fallback`.

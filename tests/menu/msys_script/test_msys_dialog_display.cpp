@@ -83,6 +83,7 @@ const QString MARKUP = QStringLiteral("a ]]> b <![CDATA[ c ]]]]> <b>d</b> &amp; 
 
 INSTANTIATE_TEST_SUITE_P(Texts, FreeText,
                          ::testing::Values(FreeTextCase{"display::text", MARKUP}, FreeTextCase{"display::log", MARKUP},
+                                           FreeTextCase{"label", MARKUP},
                                            FreeTextCase{"display::text", QString()},
                                            FreeTextCase{"display::log", QString()}));
 

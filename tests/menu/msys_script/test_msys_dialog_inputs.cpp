@@ -125,9 +125,9 @@ INSTANTIATE_TEST_SUITE_P(
         // The file is only named: the picture travels in "data".
         TagCase{"image",
                 "<use_system_image>true</use_system_image><system_image>system_message_question</system_image>"
-                "<file_name>C:\\parts\\bore's.png</file_name><keep_original_size>false</keep_original_size>"
+                "<file_name>C:\\parts\\bore's %3.png</file_name><keep_original_size>false</keep_original_size>"
                 "<keep_aspect>false</keep_aspect><width>64</width><height>32</height>",
-                "zut.dialog.ImageWidget (name='n', width=64, height=32, file_name='C:\\\\parts\\\\bore\\'s.png')",
+                "zut.dialog.ImageWidget (name='n', width=64, height=32, file_name='C:\\\\parts\\\\bore\\'s %3.png')",
                 "zut.dialog.ImageWidget (name='n', width=100, height=100, file_name='')"},
         TagCase{"separator", "<title>Probing</title>", "zut.dialog.SeparatorWidget (title='Probing')",
                 "zut.dialog.SeparatorWidget (title='')"},

@@ -276,7 +276,8 @@ TEST(SelectionWidgets, RegisteredUnderTheirCategoriesMadeAndDescribed)
             QStringLiteral("zut.dialog.RadioButtonWidget (name='', value='ONE', items=['ONE', 'TWO', 'THREE'])"));
   const QString list_doc = create(LIST)->__doc__();
   EXPECT_TRUE(list_doc.contains(QStringLiteral("\nvalue str - ")));
-  EXPECT_TRUE(list_doc.endsWith(QStringLiteral("\nitems list - List of items\nlimits dict - Allowed entries")));
+  EXPECT_TRUE(list_doc.endsWith(
+      QStringLiteral("\nitems list - List of items\ndefault str - Default entry\nlimits dict - Allowed entries")));
   EXPECT_TRUE(create(RADIO)->__doc__().endsWith(
       QStringLiteral("\nitems list - List of radio button items\ndefault str - Default enabled radio button")));
 }
