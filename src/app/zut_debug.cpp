@@ -43,7 +43,7 @@ const char* const DEBUG_HELP =
     "then the prompt '(zut-debug) ' (no newline). An uncaught exception is announced first by\n"
     "'!! TYPE: MESSAGE'; at that pause the script has ended and any command but print and where\n"
     "finishes it. 'where' prints one 'FILE:LINE FUNCTION' line a frame, the current one marked by\n"
-    "'> ', the others by two spaces. A command that cannot be done prints '*** REASON' and the\n"
+    "'=> ', the others by three spaces. A command that cannot be done prints '*** REASON' and the\n"
     "prompt again. The end of standard input is quit.\n"
     "\n"
     "Exit status: as zut run (0, 1, 130), or 3 when quit ended the script.";
@@ -189,7 +189,7 @@ private:
         listBreakpoints(debugger);
         return false;
       }
-      static const QRegularExpression condition_split(QStringLiteral("\\s+if\\s+"));
+      static const QRegularExpression condition_split(QStringLiteral("\\s+if(\\s+|$)"));
       const QRegularExpressionMatch split = condition_split.match(rest);
       const QString where = split.hasMatch() ? rest.left(split.capturedStart()) : rest;
       const QString condition = split.hasMatch() ? rest.mid(split.capturedEnd()).trimmed() : QString();
@@ -247,7 +247,7 @@ private:
       QString text;
       for (int i = 0; i < stack.size(); ++i)
         text += QStringLiteral("%1%2:%3 %4\n")
-                    .arg(i == stack.size() - 1 ? QStringLiteral("> ") : QStringLiteral("  "), stack[i].file)
+                    .arg(i == stack.size() - 1 ? QStringLiteral("=> ") : QStringLiteral("   "), stack[i].file)
                     .arg(stack[i].line)
                     .arg(stack[i].function);
       printOut(text);

@@ -58,7 +58,9 @@ QString exceptionText(const py::error_already_set& error)
   try {
     const py::object lines =
         py::module_::import("traceback").attr("format_exception_only")(error.type(), error.value());
-    return QString::fromStdString(py::str("").attr("join")(lines).cast<std::string>()).trimmed();
+    // A syntax error shows its line and a caret first: the last line says it.
+    const QString text = QString::fromStdString(py::str("").attr("join")(lines).cast<std::string>()).trimmed();
+    return text.mid(text.lastIndexOf(QLatin1Char('\n')) + 1);
   } catch (const py::error_already_set&) {
     return QString::fromUtf8(error.what());
   }
