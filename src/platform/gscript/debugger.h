@@ -112,8 +112,9 @@ public:
   // Whether stop() ended the last run.
   bool stopped() const;
 
-  // From Execute: what a run compiles under which name, and the exception that ended the
-  // outermost run (PyObject*s), which pauses it once more for a look at its frames.
+  // From Execute: what a run compiles under which name (a front end that has the text before
+  // it runs, the editor, tells it too, so that breakpoints can be set first), and the exception
+  // that ended the outermost run (PyObject*s), which pauses it once more for a look at its frames.
   void sourceCompiled(const QString& file, const QByteArray& source);
   void uncaughtException(void* type, void* value, void* traceback);
 
