@@ -5,8 +5,8 @@
 #include <QRegularExpression>
 
 #include <cerrno>
-#include <cstdio>
-#include <cstdlib>
+
+#include <unistd.h>
 
 #include "gscript/debugger.h"
 #include "zut_commands.h"
@@ -50,30 +50,35 @@ const char* const DEBUG_HELP =
 
 namespace {
 
-// One line of standard input without its line end; false at its end.
+// One line of standard input without its line end; false at its end. Read a byte at a time,
+// so that what follows the command stays there for the script's own input().
 bool readLine(QString& line)
 {
-  char* buffer = nullptr;
-  size_t size = 0;
+  QByteArray bytes;
   for (;;) {
-    errno = 0;
-    const ssize_t length = ::getline(&buffer, &size, stdin);
-    if (length >= 0) {
-      line = QString::fromLocal8Bit(buffer, int(length));
-      std::free(buffer);
-      while (line.endsWith(QLatin1Char('\n')) || line.endsWith(QLatin1Char('\r')))
-        line.chop(1);
-      return true;
-    }
-    // Ctrl+C while waiting for a command: the end, as quit.
-    if (errno == EINTR && PyErr_CheckSignals() == 0) {
-      std::clearerr(stdin);
+    char byte = 0;
+    const ssize_t count = ::read(STDIN_FILENO, &byte, 1);
+    if (count == 1) {
+      if (byte == '\n')
+        break;
+      bytes += byte;
       continue;
     }
-    PyErr_Clear();
-    std::free(buffer);
-    return false;
+    if (count < 0 && errno == EINTR) {
+      // Ctrl+C while waiting for a command ends the run, as quit does.
+      if (PyErr_CheckSignals() == 0)
+        continue;
+      PyErr_Clear();
+      return false;
+    }
+    if (bytes.isEmpty())
+      return false;
+    break;
   }
+  if (bytes.endsWith('\r'))
+    bytes.chop(1);
+  line = QString::fromLocal8Bit(bytes);
+  return true;
 }
 
 // The script's own output first, so that it and ours keep their order.
