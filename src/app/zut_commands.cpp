@@ -26,6 +26,7 @@
 #include "gtools/error_dialog.h"
 #include "gscript/safe_points.h"
 #include "gscript/script_database.h"
+#include "zut_debug.h"
 #include "zut_host.h"
 #include "zut_signals.h"
 
@@ -221,8 +222,8 @@ void finishOpenDialogs()
 }
 
 // zut run FILE.py [-p NAME=VALUE]... [ARGS...] [-- ARGS...]: the options are zut's up to "--",
-// every other argument after the file is the script's (sys.argv[1:]).
-int runScript(ZutHost& host, const QStringList& arguments, bool)
+// every other argument after the file is the script's (sys.argv[1:]). zut debug runs it so too.
+int runScriptFile(ZutHost& host, const char* sub_command, const QStringList& arguments, bool debug)
 {
   QString file;
   QString answers;
@@ -236,15 +237,15 @@ int runScript(ZutHost& host, const QStringList& arguments, bool)
       options = false;
     } else if (options && (argument == QLatin1String("-p") || argument == QLatin1String("--parameter"))) {
       if (++i >= arguments.size())
-        return usage("run", QStringLiteral("%1 needs NAME=VALUE").arg(argument));
+        return usage(sub_command, QStringLiteral("%1 needs NAME=VALUE").arg(argument));
       QString name;
       QVariant value;
       if (!parseAssignment(arguments[i], name, value))
-        return usage("run", QStringLiteral("'%1' is not NAME=VALUE").arg(arguments[i]));
+        return usage(sub_command, QStringLiteral("'%1' is not NAME=VALUE").arg(arguments[i]));
       parameters.insert(name, value);
     } else if (options && (argument == QLatin1String("--answers") || argument == QLatin1String("--record-answers"))) {
       if (++i >= arguments.size())
-        return usage("run", QStringLiteral("%1 needs a FILE.json").arg(argument));
+        return usage(sub_command, QStringLiteral("%1 needs a FILE.json").arg(argument));
       (argument == QLatin1String("--answers") ? answers : record) = arguments[i];
     } else if (file.isEmpty()) {
       file = argument;
@@ -253,8 +254,8 @@ int runScript(ZutHost& host, const QStringList& arguments, bool)
     }
   }
   if (file.isEmpty())
-    return usage("run", QStringLiteral("no script file given"));
-  if (!prepareDialogAnswers(host, "run", answers, record))
+    return usage(sub_command, QStringLiteral("no script file given"));
+  if (!prepareDialogAnswers(host, sub_command, answers, record))
     return EXIT_FAILED;
   Vel::GApp::CommandParameters command_parameters;
   command_parameters.set(QStringLiteral("file"), QVariant::fromValue(Vel::Parse::File(file)));
@@ -262,10 +263,21 @@ int runScript(ZutHost& host, const QStringList& arguments, bool)
     command_parameters.set(QStringLiteral("parameters"), QVariant(parameters));
   if (!script_arguments.isEmpty())
     command_parameters.set(QStringLiteral("arguments"), QVariant(script_arguments));
-  const int status = runCommand(QStringLiteral("sys.execute_script"), command_parameters, false, false);
+  const auto run = [&] { return runCommand(QStringLiteral("sys.execute_script"), command_parameters, false, false); };
+  const int status = debug ? runUnderDebugger(run) : run();
   reportUnusedAnswers(host);
   finishOpenDialogs();
   return status;
+}
+
+int runScript(ZutHost& host, const QStringList& arguments, bool)
+{
+  return runScriptFile(host, "run", arguments, false);
+}
+
+int debugScript(ZutHost& host, const QStringList& arguments, bool)
+{
+  return runScriptFile(host, "debug", arguments, true);
 }
 
 int execCode(ZutHost&, const QStringList& arguments, bool)
@@ -708,6 +720,8 @@ const SubCommand SUB_COMMANDS[] = {
      "the script's dialogs from a file where no person can; --record-answers writes a person's\n"
      "answers to a file, ready to replay.",
      true, runScript, false, true},
+    {"debug", "FILE.py [-p NAME=VALUE]... [--answers A.json] [ARGS...] [-- ARGS...]", DEBUG_HELP, true, debugScript,
+     false, true},
     {"exec", "CODE", "Runs Python text through the command sys.execute_python_code.", true, execCode},
     {"call", "COMMAND [ARG=VALUE]... [--json]",
      "Runs any registered command and prints its result. VALUE is read as a Python literal\n"

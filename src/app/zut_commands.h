@@ -10,6 +10,8 @@ enum ExitCode
   EXIT_OK = 0,
   EXIT_FAILED = 1,
   EXIT_USAGE = 2,
+  // zut debug: the person ended the script from the debugger (quit, or the end of its input).
+  EXIT_DEBUG_QUIT = 3,
   // The script ended with KeyboardInterrupt (Ctrl+C), as python3 reports it.
   EXIT_INTERRUPTED = 130
 };

@@ -4,6 +4,7 @@
 
 #include <QFileInfo>
 
+#include "gscript/debugger.h"
 #include "gscript/python_interpreter.h"
 #include "gscript/python_values.h"
 #include "gscript/safe_points.h"
@@ -289,6 +290,8 @@ bool Execute::execute(int /*gui_mode*/, int flags, QString& error_code, ErrorLog
       const std::string file_name = name.isEmpty() ? std::string("<string>") : name.toStdString();
       const py::object source = _from_source ? py::object(py::bytes(_source.constData(), size_t(_source.size())))
                                              : py::object(py::str(_code.toStdString()));
+      if (Debugger* debugger = Debugger::active())
+        debugger->sourceCompiled(QString::fromStdString(file_name), _from_source ? _source : _code.toUtf8());
       const py::object compiled =
           py::module_::import("builtins").attr("compile")(source, file_name, "exec", 0, true);
       PyObject* result = PyEval_EvalCode(compiled.ptr(), globals.ptr(), globals.ptr());
@@ -297,6 +300,12 @@ bool Execute::execute(int /*gui_mode*/, int flags, QString& error_code, ErrorLog
       Py_DECREF(result);
     } catch (py::error_already_set& error) {
       const SafePoints::Hold hold;
+      // The outermost run is the one a person debugs; an inner run's failure is its caller's
+      // to catch.
+      Debugger* debugger = Debugger::active();
+      if (debugger && PythonInterpreter::getInterpreterStack().size() == 1 && !error.matches(PyExc_SystemExit) &&
+          !error.matches(PyExc_KeyboardInterrupt))
+        debugger->uncaughtException(error.type().ptr(), error.value().ptr(), error.trace().ptr());
       success = handleException(error, error_code, log);
     }
     _collected = redirection.collected();
