@@ -364,6 +364,14 @@ QString ListEditorDialog::getDefaultValue() const
   return row < 0 ? QString() : cellText(_table, row, _result_column);
 }
 
+// The table tells of its selection while QWidget's destructor takes it down, when this is no
+// dialog of ours any more.
+ListEditorDialog::~ListEditorDialog()
+{
+  _table->selectionModel()->disconnect(this);
+  _table->disconnect(this);
+}
+
 void ListEditorDialog::accept()
 {
   // A cell still being typed in counts as typed: leaving the current cell commits it.

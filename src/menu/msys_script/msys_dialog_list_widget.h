@@ -69,6 +69,7 @@ public:
 
   ListEditorDialog(QWidget* parent, const QStringList& headers, int resultColumn = 0,
                    bool canSelectDefaultItem = false);
+  ~ListEditorDialog() override;
 
   QTableWidget* table() const { return _table; }
   void setRowCheck(RowCheck check) { _row_check = std::move(check); }
