@@ -355,7 +355,15 @@ TEST(SafePoints, EveryAbortStopsATightLoopAndItsFinallyRuns)
 TEST(SafePoints, NestedRunsUnwindEveryLevelAndTheScriptMayCatchTheInterrupt)
 {
   NestedRunCommand nested;
-  QTimer::singleShot(50, [] { GApp::MainWindow::requestAbort(); });
+  // Asked for once the innermost level loops: a fixed wait may end before a slow build gets there.
+  QTimer poll;
+  QObject::connect(&poll, &QTimer::timeout, [&] {
+    if (nested.depths.size() < 2)
+      return;
+    poll.stop();
+    GApp::MainWindow::requestAbort();
+  });
+  poll.start(10);
   const RunResult result = run(
       QStringLiteral(
           "import zut\n"
