@@ -329,10 +329,20 @@ TEST(SafePoints, EveryAbortStopsATightLoopAndItsFinallyRuns)
     SCOPED_TRACE(c.name);
     EXPECT_FALSE(button->isEnabled());
     const int requests = GApp::MainWindow::getAbortRequestCount();
-    // The timer fires at a safe point of the running loop: window events are processed.
-    QTimer::singleShot(50, c.abort);
-    const RunResult result =
-        run(QStringLiteral("try:\n    while True:\n        pass\nfinally:\n    print('finally')\n"), QString(), true);
+    // The timer fires at a safe point of the running loop, where window events are processed;
+    // it waits for the loop itself, which a loaded machine may reach only after several.
+    QTimer poll;
+    QObject::connect(&poll, &QTimer::timeout, [&] {
+      if (!pybind11::hasattr(pybind11::module_::import("builtins"), "zut_test_looping"))
+        return;
+      poll.stop();
+      c.abort();
+    });
+    poll.start(10);
+    const RunResult result = run(QStringLiteral("import builtins\ntry:\n    builtins.zut_test_looping = True\n"
+                                                "    while True:\n        pass\nfinally:\n"
+                                                "    del builtins.zut_test_looping\n    print('finally')\n"),
+                                 QString(), true);
     SafePoints::setTimeout(0);
     EXPECT_FALSE(result.ok);
     EXPECT_EQ(result.code, QLatin1String(ERR_SCRIPT_ABORTED));
