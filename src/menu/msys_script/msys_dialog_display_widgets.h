@@ -383,14 +383,7 @@ public:
 };
 
 template <typename Widget, typename Configuration>
-class DisplayWidgetCreator : public ElementCreator<Widget, Configuration>
-{
-public:
-  DisplayWidgetCreator(DialogWidgetCreator::Category::Type_t category, const char* displayName, const char* keyWord)
-      : ElementCreator<Widget, Configuration>(category, "MSysScript_DialogElement_other", displayName, keyWord)
-  {
-  }
-};
+using DisplayWidgetCreator = CatalogueElementCreator<Widget, Configuration>;
 
 using LabelWidgetCreator = DisplayWidgetCreator<LabelWidget, LabelConfiguration>;
 using LogWidgetCreator = DisplayWidgetCreator<LogWidget, LogConfiguration>;

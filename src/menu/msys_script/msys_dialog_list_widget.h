@@ -228,14 +228,7 @@ private:
 };
 
 template <typename Widget, typename Configuration>
-class SelectionWidgetCreator : public ElementCreator<Widget, Configuration>
-{
-public:
-  SelectionWidgetCreator(DialogWidgetCreator::Category::Type_t category, const char* displayName, const char* keyWord)
-      : ElementCreator<Widget, Configuration>(category, "MSysScript_DialogElement_other", displayName, keyWord)
-  {
-  }
-};
+using SelectionWidgetCreator = CatalogueElementCreator<Widget, Configuration>;
 
 using ListWidgetCreator = SelectionWidgetCreator<ListWidget, ListConfiguration>;
 

@@ -200,6 +200,19 @@ private:
   const char* _key_word;
 };
 
+// Most element types are named in the element context and given their category where they are
+// registered.
+template <typename Widget, typename Configuration>
+class CatalogueElementCreator : public ElementCreator<Widget, Configuration>
+{
+public:
+  CatalogueElementCreator(DialogWidgetCreator::Category::Type_t category, const char* displayName,
+                          const char* keyWord)
+      : ElementCreator<Widget, Configuration>(category, "MSysScript_DialogElement_other", displayName, keyWord)
+  {
+  }
+};
+
 class DialogControlCreator
 {
 public:
