@@ -2,6 +2,7 @@
 #include <QAction>
 #include <QApplication>
 #include <QEventLoop>
+#include <QFileInfo>
 #include <QHeaderView>
 #include <QInputDialog>
 #include <QLabel>
@@ -74,6 +75,12 @@ private:
 
   QWidget* _editor;
 };
+
+// A script file by its name alone; database scripts and texts without a file keep theirs.
+QString shortName(const QString& file)
+{
+  return QFileInfo(file).isAbsolute() ? QFileInfo(file).fileName() : file;
+}
 
 QTreeWidgetItem* variableGroup(QTreeWidget* view, const QString& title, const QList<QPair<QString, QString>>& values)
 {
@@ -155,9 +162,9 @@ void ScriptEditorDialog::createActions()
              _editor->goToLine(line);
          },
          false},
-        {"comment", "Comment Lines", QKeySequence(Qt::CTRL | Qt::Key_K), [this] { _editor->commentLines(true); },
+        {"comment", "Comment Lines", QKeySequence(Qt::ALT | Qt::Key_3), [this] { _editor->commentLines(true); },
          false},
-        {"uncomment", "Uncomment Lines", QKeySequence(Qt::CTRL | Qt::SHIFT | Qt::Key_K),
+        {"uncomment", "Uncomment Lines", QKeySequence(Qt::ALT | Qt::Key_4),
          [this] { _editor->commentLines(false); }, false}}},
       {QStringLiteral("&Debug"),
        {{"run", "Run", QKeySequence(Qt::Key_F5),
@@ -354,9 +361,13 @@ void ScriptEditorDialog::paused(Debugger& debugger, const Debugger::Stop& stop)
   const bool own = here.file == runName();
   _editor->setCurrentLine(own ? here.line - 1 : -1);
   _stack_view->clear();
-  for (int i = int(_frames.size()) - 1; i >= 0; --i)
-    _stack_view->addItem(QStringLiteral("%1  %2:%3").arg(_frames[i].function, _frames[i].file).arg(_frames[i].line));
-  QString where = QStringLiteral("%1, line %2").arg(here.file).arg(here.line);
+  for (int i = int(_frames.size()) - 1; i >= 0; --i) {
+    auto* item = new QListWidgetItem(
+        QStringLiteral("%1  %2:%3").arg(_frames[i].function, shortName(_frames[i].file)).arg(_frames[i].line),
+        _stack_view);
+    item->setToolTip(QStringLiteral("%1, line %2").arg(_frames[i].file).arg(_frames[i].line));
+  }
+  QString where = QStringLiteral("%1, line %2").arg(shortName(here.file)).arg(here.line);
   if (!own)
     where += QStringLiteral(": ") + debugger.sourceLine(here.file, here.line).trimmed();
   switch (stop.reason) {

@@ -16,7 +16,11 @@ namespace {
 class Margin : public QWidget
 {
 public:
-  explicit Margin(SourceEditor* editor) : QWidget(editor), _editor(editor) { setCursor(Qt::ArrowCursor); }
+  explicit Margin(SourceEditor* editor) : QWidget(editor), _editor(editor)
+  {
+    setObjectName(QStringLiteral("margin"));
+    setCursor(Qt::ArrowCursor);
+  }
   QSize sizeHint() const override { return QSize(_editor->marginWidth(), 0); }
 
 protected:
