@@ -29,11 +29,11 @@ Meta::Argument parametersArgument()
 }
 Meta::Argument stdoutArgument()
 {
-  return {ARG_COLLECT_STDOUT, Meta::TYPE_BOOLEAN, QStringLiteral("collect and return stdout output")};
+  return {ARG_COLLECT_STDOUT, Meta::TYPE_BOOLEAN, QStringLiteral("collect and return stdout output"), false, false};
 }
 Meta::Argument stderrArgument()
 {
-  return {ARG_COLLECT_STDERR, Meta::TYPE_BOOLEAN, QStringLiteral("collect and return stderr output")};
+  return {ARG_COLLECT_STDERR, Meta::TYPE_BOOLEAN, QStringLiteral("collect and return stderr output"), false, false};
 }
 
 // The active menu command is popped on every path.

@@ -32,6 +32,7 @@ struct State
   int taken = 0;
   QString record_file;
   QJsonArray recorded;
+  std::function<void(const QJsonObject&)> listener;
 };
 
 State& state()
@@ -107,7 +108,7 @@ void pressButton(UserDefinedDialog* dialog, const QString& word)
 void remember(const UserDefinedDialog* dialog, const QString& button)
 {
   State& current = state();
-  if (current.record_file.isEmpty())
+  if (current.record_file.isEmpty() && !current.listener)
     return;
   QJsonObject values;
   for (const DialogDefinition::Cell* cell : dialog->getElementCells()) {
@@ -118,6 +119,10 @@ void remember(const UserDefinedDialog* dialog, const QString& button)
   QJsonObject entry{{KEY_TITLE, dialog->windowTitle()}, {KEY_VALUES, values}};
   if (!button.isEmpty())
     entry.insert(KEY_BUTTON, button);
+  if (current.listener)
+    current.listener(entry);
+  if (current.record_file.isEmpty())
+    return;
   current.recorded.append(entry);
   QSaveFile file(current.record_file);
   if (!file.open(QIODevice::WriteOnly) || file.write(QJsonDocument(current.recorded).toJson()) < 0 || !file.commit())
@@ -204,9 +209,14 @@ void DialogAnswers::load(const QString& fileName)
                                         .arg(fileName, error.error != QJsonParseError::NoError
                                                            ? error.errorString()
                                                            : QStringLiteral("the top level is not a list")));
+  loadList(document.array(), fileName);
+}
+
+void DialogAnswers::loadList(const QJsonArray& list, const QString& source)
+{
   std::deque<QJsonObject> answers;
   int index = 0;
-  for (const QJsonValue& entry : document.array()) {
+  for (const QJsonValue& entry : list) {
     ++index;
     const QJsonObject object = entry.toObject();
     if (!entry.isObject() || (object.contains(KEY_VALUES) && !object.value(KEY_VALUES).isObject()) ||
@@ -215,13 +225,20 @@ void DialogAnswers::load(const QString& fileName)
       failCommand(ERR_EXECUTE_SCRIPT,
                   errorText("Answer %1 of \"%2\" is not an object with \"title\", \"values\" and \"button\".")
                       .arg(index)
-                      .arg(fileName));
+                      .arg(source));
     answers.push_back(object);
   }
   State& current = state();
   current.pending = std::move(answers);
   current.taken = 0;
   UserDefinedDialog::setResponder(respond);
+}
+
+void DialogAnswers::listen(std::function<void(const QJsonObject&)> listener)
+{
+  State& current = state();
+  current.listener = std::move(listener);
+  UserDefinedDialog::setWatcher(current.listener || !current.record_file.isEmpty() ? watch : nullptr);
 }
 
 void DialogAnswers::record(const QString& fileName)

@@ -1,10 +1,13 @@
 #pragma once
 
 #include <QJsonArray>
+#include <QJsonObject>
 #include <QJsonValue>
 #include <QVariant>
 #include <QString>
 #include <QStringList>
+
+#include <functional>
 
 namespace Vel::MSysScript {
 
@@ -22,8 +25,12 @@ public:
   // Reads the file and answers the dialogs that wait from now on; a file that does not read is
   // a command error naming it, and the answers given before stay.
   static void load(const QString& fileName);
+  // The same from a list of answer objects; `source` names it in messages.
+  static void loadList(const QJsonArray& list, const QString& source);
   // Writes the answers that people give from now on to the file, rewritten after every dialog.
   static void record(const QString& fileName);
+  // Tells `listener` each answer people give from now on, as an answer object; null stops.
+  static void listen(std::function<void(const QJsonObject&)> listener);
   // The answers that no dialog has taken, one line each; empty when all were used.
   static QStringList getUnused();
   // Forgets loaded and recorded answers.

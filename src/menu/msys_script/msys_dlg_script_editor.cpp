@@ -19,6 +19,9 @@
 #include <QStringDecoder>
 #include <QStringEncoder>
 #include <QToolBar>
+#include <QHBoxLayout>
+#include <QPushButton>
+#include <QTextBlock>
 #include <QVBoxLayout>
 
 #include "cfg/cfg.h"
@@ -34,6 +37,9 @@
 #include "menu/msys_script/msys_python_highlighter.h"
 #include "menu/msys_script/msys_python_parser.h"
 #include "menu/msys_script/msys_python_script_database.h"
+#include "menu/msys_script/msys_script_recorder.h"
+#include "menu/msys_script/msys_cmd_editor.h"
+#include "gapp/command_container.h"
 
 namespace Vel::MSysScript {
 namespace {
@@ -236,7 +242,95 @@ ScriptEditorDialog::ScriptEditorDialog(QWidget* parent)
   updateActions();
 }
 
-ScriptEditorDialog::~ScriptEditorDialog() = default;
+ScriptEditorDialog::~ScriptEditorDialog()
+{
+  stopRecording();
+}
+
+bool ScriptEditorDialog::startRecording(ErrorLog& log)
+{
+  if (_recorder)
+    return true;
+  if (_busy) {
+    log.addLine(QStringLiteral("The editor cannot record while its script runs."));
+    return false;
+  }
+  if (GApp::Command::getRecorder()) {
+    log.addLine(QStringLiteral("Another editor is recording already."));
+    return false;
+  }
+  _recorder = std::make_unique<ScriptRecorder>(
+      [this](const QStringList& lines) { insertRecorded(lines); },
+      [](const QString& message) { GTools::ErrorDialog(QString::fromLatin1(ERR_RECORD_SCRIPT), message); });
+  setEditorCommandRecording(true);
+  action("record")->setChecked(true);
+  setStatus(QStringLiteral("Recording: the commands you run are written at the cursor."));
+  CfgNode* root = configurationRoot();
+  if (root && root->getBool(QString::fromLatin1(CFG_HIDE_WHEN_RECORDING))) {
+    if (!_recording_window) {
+      // Out of the way, but never out of reach: the only way back while the editor is hidden.
+      _recording_window = new QWidget(this, Qt::Tool | Qt::WindowStaysOnTopHint);
+      _recording_window->setObjectName(QStringLiteral("recording_window"));
+      _recording_window->setWindowTitle(QStringLiteral("Recording"));
+      auto* layout = new QHBoxLayout(_recording_window);
+      layout->addWidget(new QLabel(QStringLiteral("Recording into %1").arg(windowTitle().section(QLatin1String(" - "), 0, 0))));
+      auto* stop = new QPushButton(QStringLiteral("Stop Recording"));
+      stop->setObjectName(QStringLiteral("stop_recording"));
+      layout->addWidget(stop);
+      connect(stop, &QPushButton::clicked, this, &ScriptEditorDialog::stopRecording);
+    }
+    _recording_window->show();
+    hide();
+  }
+  updateActions();
+  return true;
+}
+
+void ScriptEditorDialog::stopRecording()
+{
+  if (!_recorder)
+    return;
+  _recorder.reset();
+  setEditorCommandRecording(false);
+  if (QAction* record = action("record"))
+    record->setChecked(false);
+  if (_recording_window) {
+    _recording_window->hide();
+    show();
+    raise();
+    activateWindow();
+  }
+  setStatus(QStringLiteral("Recording stopped."));
+  updateActions();
+}
+
+void ScriptEditorDialog::setEditorCommandRecording(bool recording)
+{
+  if (auto* command = dynamic_cast<EditorCommand*>(
+          GApp::CommandContainer::getInstance().getCommand(QStringLiteral("sys.show_script_editor"))))
+    command->setRecording(recording);
+}
+
+void ScriptEditorDialog::insertRecorded(const QStringList& lines)
+{
+  // At the start of the cursor's line, indented like it, so that the calls land where the
+  // person points; the cursor stays below them for the next.
+  QTextCursor cursor = _editor->textCursor();
+  cursor.clearSelection();
+  cursor.movePosition(QTextCursor::StartOfBlock);
+  const QString line = cursor.block().text();
+  int end = 0;
+  while (end < line.size() && (line[end] == QLatin1Char(' ') || line[end] == QLatin1Char('\t')))
+    ++end;
+  const QString indent = end < line.size() ? line.left(end) : QString();
+  QString text;
+  for (const QString& recorded : lines)
+    text += indent + recorded + QLatin1Char('\n');
+  if (!text.contains(QLatin1String("import zut")) && !_editor->toPlainText().contains(QLatin1String("import zut")))
+    text.prepend(QStringLiteral("import zut\n"));
+  cursor.insertText(text);
+  _editor->setTextCursor(cursor);
+}
 
 void ScriptEditorDialog::applyConfiguration()
 {
@@ -458,6 +552,7 @@ void ScriptEditorDialog::updateTitle()
 
 void ScriptEditorDialog::closeEvent(QCloseEvent* event)
 {
+  stopRecording();
   // The run's frames live on this window's stack: it closes once the run has ended.
   if (_busy) {
     _close_after_run = true;

@@ -24,6 +24,7 @@ class SourceEditor;
 namespace Vel::MSysScript {
 
 class DatabaseLock;
+class ScriptRecorder;
 class PythonParser;
 class PythonHighlighter;
 
@@ -92,6 +93,14 @@ public:
   // The name runs give the text: the file, the database script, or "<editor>".
   QString runName() const;
 
+  // Records the commands a person runs as lines at the cursor, the window hidden meanwhile when
+  // "MSysScript/HideWhenRecording" says so (a small window then offers Stop). False (reason in
+  // `log`) when it cannot record now.
+  bool startRecording(ErrorLog& log);
+  void stopRecording();
+  bool isRecording() const { return _recorder != nullptr; }
+  QWidget* getRecordingWindow() const { return _recording_window; }
+
   QAction* action(const char* name) const;
   QListWidget* getStackView() const { return _stack_view; }
   QTreeWidget* getVariablesView() const { return _variables_view; }
@@ -126,6 +135,8 @@ private:
   void evaluateConsole();
   void updateActions();
   void setStatus(const QString& text);
+  void insertRecorded(const QStringList& lines);
+  void setEditorCommandRecording(bool recording);
   void createActions();
   QWidget* createDebugPanel();
   bool load(const QByteArray& bytes, const QString& name, ErrorLog& log);
@@ -156,6 +167,8 @@ private:
   bool _run_has_paused = false;
   GScript::Debugger* _debugger = nullptr;  // while a run of this editor is debugged
   QEventLoop* _pause_loop = nullptr;       // while paused
+  std::unique_ptr<ScriptRecorder> _recorder;
+  QWidget* _recording_window = nullptr;
   QList<GScript::Debugger::Frame> _frames;  // while paused, outermost first
 };
 

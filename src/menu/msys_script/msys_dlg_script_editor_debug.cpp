@@ -26,6 +26,8 @@
 #include "gedit/source_editor.h"
 #include "gscript/execute.h"
 #include "gscript/safe_points.h"
+#include "gtools/error_dialog.h"
+#include "menu/msys_script/msys_error_codes.h"
 #include "menu/msys_script/msys_dlg_script_editor.h"
 #include "menu/msys_script/msys_dlg_user_defined.h"
 
@@ -200,7 +202,20 @@ void ScriptEditorDialog::createActions()
            const int line = _editor->textCursor().blockNumber();
            _editor->setBreakpoint(line, !_editor->getBreakpoints().count(line));
          },
-         false}}}};
+         false},
+        {"record", "Record", QKeySequence(Qt::CTRL | Qt::SHIFT | Qt::Key_R),
+         [this] {
+           if (isRecording()) {
+             stopRecording();
+             return;
+           }
+           ErrorLog log;
+           if (!startRecording(log)) {
+             action("record")->setChecked(false);
+             GTools::ErrorDialog(QString::fromLatin1(ERR_RECORD_SCRIPT), log.getText());
+           }
+         },
+         true}}}};
   QToolBar* tools = addToolBar(QStringLiteral("Script"));
   tools->setObjectName(QStringLiteral("tools"));
   for (const auto& [title, entries] : menus) {
@@ -214,6 +229,7 @@ void ScriptEditorDialog::createActions()
         tools->addAction(action);
     }
   }
+  action("record")->setCheckable(true);
 }
 
 QAction* ScriptEditorDialog::action(const char* name) const
@@ -225,10 +241,12 @@ void ScriptEditorDialog::updateActions()
 {
   const bool paused = isPaused();
   action("run")->setText(paused ? QStringLiteral("Continue") : QStringLiteral("Run"));
-  action("run")->setEnabled(!_busy || paused);
+  // What a recording writes must not land in a text that runs.
+  action("run")->setEnabled((!_busy && !isRecording()) || paused);
   action("stop")->setEnabled(_busy);
   for (const char* name : {"step_into", "step_over", "run_to_cursor"})
-    action(name)->setEnabled(!_busy || paused);
+    action(name)->setEnabled((!_busy && !isRecording()) || paused);
+  action("record")->setEnabled(!_busy);
   action("step_out")->setEnabled(paused);
   _console_input->setEnabled(paused);
 }

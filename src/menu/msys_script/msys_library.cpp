@@ -73,6 +73,7 @@ void createCommands()
   new ShowDialogCommand;
   new OpenDialogCommand;
   new CloseDialogCommand;
+  new AnswerDialogsCommand;
 }
 
 }  // namespace

@@ -208,17 +208,47 @@ QString Command::checkArgumentNames(const CommandParameters& parameters) const
   return text + QStringLiteral("; its arguments are ") + known.join(QStringLiteral(", "));
 }
 
+namespace {
+CommandRecorder* command_recorder = nullptr;
+int run_depth = 0;  // runs of Command::run on the stack
+}  // namespace
+
+CommandRecorder::~CommandRecorder() = default;
+
+void Command::setRecorder(CommandRecorder* recorder)
+{
+  command_recorder = recorder;
+}
+
+CommandRecorder* Command::getRecorder()
+{
+  return command_recorder;
+}
+
 QVariant Command::run(const CommandParameters& parameters, bool interactive)
 {
   const QString unknown = checkArgumentNames(parameters);
   if (!unknown.isEmpty())
     throw CommandError(QString::fromLatin1(ERR_INVALID_ARGUMENT), ErrorLog(unknown));
+  struct Depth
+  {
+    Depth() { ++run_depth; }
+    ~Depth() { --run_depth; }
+    Depth(const Depth&) = delete;
+    Depth& operator=(const Depth&) = delete;
+  } depth;
+  CommandRecorder* recorder = interactive && run_depth == 1 ? command_recorder : nullptr;
   _result = QVariant();
   if (interactive) {
     CommandParameters completed = parameters;
     if (!prepareInteractive(completed))
       return QVariant();
+    if (recorder)
+      recorder->commandStarted(*this);
     execute(completed);
+    // The recorder may have gone while the command ran (the editor closed meanwhile).
+    if (recorder && recorder == command_recorder)
+      recorder->commandRun(*this, completed);
   } else {
     execute(parameters);
   }

@@ -97,6 +97,8 @@ public:
     QString description;
     // A run without the argument fails (an interactive run may ask for it first).
     bool required = false;
+    // What a run without the argument uses; invalid when the command decides.
+    QVariant default_value;
   };
   using ArgumentTypes = QList<Argument>;
 
@@ -121,6 +123,19 @@ private:
   bool _needs_main_window = false;
   bool _undoable = false;
   bool _scriptable = true;
+};
+
+class Command;
+
+// Told of the commands a person runs: the outermost interactive runs (from a menu, a dialog of
+// the application, zut.interactive), not the runs those commands or scripts make themselves.
+class VEL_EXPORT CommandRecorder
+{
+public:
+  virtual ~CommandRecorder();
+  virtual void commandStarted(const Command& command) = 0;
+  // The run succeeded with these arguments (as completed by the person).
+  virtual void commandRun(const Command& command, const CommandParameters& parameters) = 0;
 };
 
 // An application command. It registers itself with the command container when constructed;
@@ -159,6 +174,10 @@ public:
   // ERR_INVALID_ARGUMENT), clears the result, optionally asks the user, runs. Returns the result
   // (invalid when there is none or the user cancelled).
   QVariant run(const CommandParameters& parameters, bool interactive);
+
+  // One recorder at a time; null for none.
+  static void setRecorder(CommandRecorder* recorder);
+  static CommandRecorder* getRecorder();
 
   CommandMetaInfo& getMetaInfo() { return _meta_info; }
   const CommandMetaInfo& getMetaInfo() const { return _meta_info; }

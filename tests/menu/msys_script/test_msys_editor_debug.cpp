@@ -1,6 +1,7 @@
 // The script editor as a person debugs with it: real clicks in the line numbers, real keys for
 // the debugger's actions, answered from inside each pause.
 #include <QAction>
+#include <QDoubleSpinBox>
 #include <QApplication>
 #include <QLineEdit>
 #include <QListWidget>
@@ -16,8 +17,10 @@
 
 #include <gtest/gtest.h>
 
+#include "gapp/command_container.h"
 #include "gedit/find_bar.h"
 #include "gedit/source_editor.h"
+#include "menu/msys_script/msys_dialog_answers.h"
 #include "menu/msys_script/msys_dlg_script_editor.h"
 #include "menu/msys_script/msys_dlg_user_defined.h"
 #include "dialog_test_element.h"
@@ -275,4 +278,68 @@ TEST_F(EditorDebugging, FindReplaceGoToLineAndCommentLines)
   EXPECT_FALSE(editor()->goToLine(99));
   QTest::keyClick(editor(), Qt::Key_Return);
   EXPECT_EQ(editor()->getBreakpoints(), std::set<int>{5});
+}
+
+// What a person runs while the editor records becomes lines at the cursor (with the answers the
+// person gave a dialog, and without arguments left at their defaults); run again with nobody
+// there, the lines do the same.
+TEST_F(EditorDebugging, RecordedCommandsRunAgainDoTheSame)
+{
+  open("");
+  const QString log = _dir.filePath(QStringLiteral("log.txt"));
+  const QString asking = _dir.filePath(QStringLiteral("ask.py"));
+  ASSERT_TRUE(writeFile(
+      asking,
+      "import zut\n"
+      "xml = '''<dialog><title>Tip</title><control id=\"OkCancel\"/><content rows=\"1\" columns=\"1\">"
+      "<widget type=\"input::number\" row=\"0\" column=\"0\"><name>diameter</name></widget></content></dialog>'''\n"
+      "answer = zut.script.sys.execute_user_defined_dialog(content=xml)\n"
+      "with open(PARAMETERS['log'], 'a') as out:\n"
+      "    out.write(f'{answer.diameter:.2f}\\n')\n"));
+  press(Qt::Key_R, Qt::ControlModifier | Qt::ShiftModifier);
+  ASSERT_TRUE(dialog.isRecording());
+  EXPECT_FALSE(dialog.isVisible());  // MSysScript/HideWhenRecording
+  ASSERT_TRUE(dialog.getRecordingWindow() && dialog.getRecordingWindow()->isVisible());
+
+  // A person: runs two commands, answering the dialog that the second one shows.
+  UserDefinedDialog::setResponder([](UserDefinedDialog* shown) {
+    QTimer::singleShot(0, shown, [shown] {
+      auto* field = shown->findChild<QDoubleSpinBox*>();
+      field->selectAll();
+      QTest::keyClicks(field, QStringLiteral("2.5"));
+      shown->accept();
+    });
+    return true;
+  });
+  GApp::CommandContainer& commands = GApp::CommandContainer::getInstance();
+  GApp::CommandParameters code;
+  code.set(QStringLiteral("code"), QStringLiteral("open(r'%1', 'a').write('start\\n')").arg(log));
+  code.set(QStringLiteral("collect_stdout"), false);
+  commands.getCommand(QStringLiteral("sys.execute_python_code"))->run(code, true);
+  GApp::CommandParameters script;
+  script.set(QStringLiteral("file"), asking);
+  script.set(QStringLiteral("parameters"), QVariantMap{{QStringLiteral("log"), log}});
+  commands.getCommand(QStringLiteral("sys.execute_script"))->run(script, true);
+  UserDefinedDialog::setResponder(nullptr);
+  QTest::mouseClick(dialog.getRecordingWindow()->findChild<QPushButton*>(QStringLiteral("stop_recording")),
+                    Qt::LeftButton);
+  EXPECT_FALSE(dialog.isRecording());
+  EXPECT_TRUE(dialog.isVisible());
+  const QByteArray done = readFile(log);
+  EXPECT_EQ(done, QByteArray("start\n2.50\n"));
+
+  const QStringList lines = dialog.text().split(QLatin1Char('\n'));
+  ASSERT_EQ(lines.size(), 5) << qPrintable(dialog.text());
+  EXPECT_EQ(lines[0], QStringLiteral("import zut"));
+  EXPECT_TRUE(lines[1].startsWith(QStringLiteral("zut.script.sys.execute_python_code(code=\"open("))) << qPrintable(lines[1]);
+  EXPECT_FALSE(lines[1].contains(QStringLiteral("collect_stdout")));
+  EXPECT_EQ(lines[2], QStringLiteral("zut.script.sys.answer_user_defined_dialogs(answers=[{'title': 'Tip', 'values': "
+                                     "{'diameter': 2.5}}])"));
+  EXPECT_TRUE(lines[3].startsWith(QStringLiteral("zut.script.sys.execute_script(file="))) << qPrintable(lines[3]);
+
+  ASSERT_TRUE(QFile::remove(log));
+  QApplication::setActiveWindow(&dialog);
+  press(Qt::Key_F5);
+  EXPECT_EQ(readFile(log), done) << qPrintable(dialog.getOutput()->toPlainText()) << qPrintable(dialog.statusText());
+  DialogAnswers::reset();
 }
