@@ -171,8 +171,26 @@ public:
       ++_pos;
       skip(true);
       argument.value_begin = _pos;
-      argument.value = value(0);
-      argument.value_end = _pos;
+      if (_tolerant) {
+        try {
+          argument.value = value(0);
+          argument.value_end = _pos;
+          skip(true);
+          if (peek() != QLatin1Char(',') && peek() != QLatin1Char(')'))
+            expected(QStringLiteral("',' or ')'"));
+        } catch (const GApp::CommandError&) {
+          _pos = argument.value_begin;
+          expression();
+          argument.value = QVariant();
+          argument.literal = false;
+          argument.value_end = _pos;
+          while (argument.value_end > argument.value_begin && _text[argument.value_end - 1].isSpace())
+            --argument.value_end;
+        }
+      } else {
+        argument.value = value(0);
+        argument.value_end = _pos;
+      }
       result.arguments << argument;
       skip(true);
       if (peek() == QLatin1Char(','))
@@ -184,6 +202,36 @@ public:
     ++_pos;
     result.end = _pos;
     return result;
+  }
+
+  // Any expression, passed over up to the ',' or ')' that ends it.
+  void expression()
+  {
+    int depth = 0;
+    for (;;) {
+      if (atEnd())
+        expected(QStringLiteral("')'"));
+      const QChar c = peek();
+      if (stringStarts() && (_pos == 0 || !isIdentifierChar(_text[_pos - 1]))) {
+        bool bytes = false;
+        string(bytes);
+        continue;
+      }
+      if (c == QLatin1Char('#')) {
+        skipComment();
+        continue;
+      }
+      if (c == QLatin1Char('(') || c == QLatin1Char('[') || c == QLatin1Char('{')) {
+        ++depth;
+      } else if (c == QLatin1Char(')') || c == QLatin1Char(']') || c == QLatin1Char('}')) {
+        if (depth == 0)
+          return;
+        --depth;
+      } else if (c == QLatin1Char(',') && depth == 0) {
+        return;
+      }
+      ++_pos;
+    }
   }
 
   // After the call: a comment, then nothing but blank and comment lines.
@@ -509,6 +557,7 @@ public:
   const QString& _text;
   int _first_line;
   int _pos = 0;
+  bool _tolerant = false;
 };
 
 QString escapeCharacter(char16_t c)
@@ -612,10 +661,11 @@ CommandCall readCommandCall(const QString& text, int first_line)
   return call;
 }
 
-CommandCall readCommandCallAt(const QString& text, int offset)
+CommandCall readCommandCallAt(const QString& text, int offset, bool tolerant)
 {
   Reader reader(text, 1);
   reader._pos = offset;
+  reader._tolerant = tolerant;
   return reader.call();
 }
 

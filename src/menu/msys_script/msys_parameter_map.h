@@ -26,6 +26,8 @@ struct CallArgument
   int name_begin = 0;
   int value_begin = 0;
   int value_end = 0;
+  // False for a value that is an expression, not a literal (read only when tolerant).
+  bool literal = true;
 };
 
 // One command call, `[TARGET =] zut.script.NAME(ARG=VALUE, ...)  [# comment]`, as read from
@@ -54,8 +56,9 @@ using ArgumentList = QList<QPair<QString, QVariant>>;
 CommandCall readCommandCall(const QString& text, int first_line = 1);
 
 // The call that begins at `offset` of a whole script (at "zut"), up to its ")"; offsets and
-// error positions are the script's.
-CommandCall readCommandCallAt(const QString& text, int offset);
+// error positions are the script's. `tolerant` passes over values that are expressions (a
+// variable, a sum) instead of refusing them.
+CommandCall readCommandCallAt(const QString& text, int offset, bool tolerant = false);
 
 // Where the script's command calls begin: every "zut.script." and "zut.interactive." of its code,
 // none in strings or comments.
