@@ -186,6 +186,16 @@ QByteArray encodeScript(const QString& text, const QString& encoding)
   return encoder.encode(text);
 }
 
+bool readScriptFile(const QString& path, QString& text, QString& encoding, ErrorLog& log)
+{
+  QFile file(path);
+  if (!file.open(QIODevice::ReadOnly)) {
+    log.addLine(QStringLiteral("%1: %2").arg(QDir::toNativeSeparators(path), file.errorString()));
+    return false;
+  }
+  return decodeScript(file.readAll(), text, encoding, log);
+}
+
 bool writeUpdatedScript(const QString& path, const QByteArray& bytes, bool backup, QString* backup_path,
                         ErrorLog& log)
 {
@@ -229,14 +239,9 @@ std::vector<FileUpdate> updateScripts(const QStringList& files, bool dry_run, bo
   for (const QString& path : paths) {
     FileUpdate result;
     result.file = path;
-    QFile file(path);
-    QByteArray bytes;
     QString text;
     QString encoding;
-    if (!file.open(QIODevice::ReadOnly)) {
-      result.error_code = QString::fromLatin1(ERR_LOAD_SCRIPT);
-      result.log.addLine(QStringLiteral("%1: %2").arg(QDir::toNativeSeparators(path), file.errorString()));
-    } else if (bytes = file.readAll(); !decodeScript(bytes, text, encoding, result.log)) {
+    if (!readScriptFile(path, text, encoding, result.log)) {
       result.error_code = QString::fromLatin1(ERR_LOAD_SCRIPT);
     } else {
       const ScriptUpdate update = updateScriptText(text, rules);

@@ -61,6 +61,8 @@ ScriptUpdate updateScriptText(const QString& text, const UpdateRules& rules);
 // the reason in `log`, for bytes that are not text in that encoding.
 bool decodeScript(const QByteArray& bytes, QString& text, QString& encoding, ErrorLog& log);
 QByteArray encodeScript(const QString& text, const QString& encoding);
+// Reads a script file and decodes it so; false with the reason in `log`.
+bool readScriptFile(const QString& path, QString& text, QString& encoding, ErrorLog& log);
 
 // Replaces the file at `path` by `bytes` (all or nothing). With `backup`, first copies the
 // original beside it as "NAME.py.bak" (or ".bak2", ".bak3", ...: an existing backup is never

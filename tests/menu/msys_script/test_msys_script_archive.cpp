@@ -182,7 +182,7 @@ TEST_P(ArchiveBadEntry, RefusesTheWholeArchiveBeforeWritingAnything)
   // The same names are refused when scripts are written one by one.
   DatabaseLock database;
   ErrorLog log;
-  ScriptToWrite single{c.file_name, "print('bad')\n", QString(), true, c.icon_name, scripts[1].icon};
+  ScriptToWrite single{c.file_name, "print('bad')\n", QString(), true, c.icon_name, scripts[1].icon, {}};
   EXPECT_FALSE(writeScripts(*database.get(), GScript::LEVEL_USER, {single}, true, log));
   EXPECT_TRUE(snapshot(user).empty());
 }

@@ -1,8 +1,19 @@
+#include <QDialogButtonBox>
+#include <QPlainTextEdit>
+#include <QPushButton>
+#include <QSplitter>
 #include <QTemporaryDir>
+#include <QTest>
 
 #include <gtest/gtest.h>
 
+#include "cfg/cfg.h"
+#include "gapp/command_container.h"
+#include "gtools/error_dialog.h"
+#include "menu/msys_script/msys_config.h"
+#include "menu/msys_script/msys_dlg_update_script.h"
 #include "menu/msys_script/msys_script_update.h"
+#include "msys_fixture.h"
 #include "test_util.h"
 
 using namespace Vel;
@@ -87,6 +98,66 @@ TEST(ScriptUpdateFiles, EncodingByteOrderMarkAndBackupsSurvive)
   EXPECT_EQ(readFile(path + QStringLiteral(".bak")), QByteArray("older"));
   EXPECT_EQ(readFile(backup), QByteArray("one"));
   EXPECT_EQ(readFile(path), QByteArray("two"));
+}
+
+// A command that took over an older one's name and one of its argument names.
+class RenamedCommand : public GApp::Command
+{
+public:
+  RenamedCommand() : GApp::Command(QStringLiteral("test.renamed"))
+  {
+    getMetaInfo().setReplaces({QStringLiteral("test.before")});
+    getMetaInfo().setRenamedArguments({{QStringLiteral("size"), QStringLiteral("width")}});
+  }
+  void execute(const GApp::CommandParameters&) override {}
+};
+
+TEST(UpdateScriptDialog, ShowsBothTextsWritesWithBackupAndKeepsItsGeometry)
+{
+  CfgNode* root = startedModule().root();
+  if (!GApp::CommandContainer::getInstance().getCommand(QStringLiteral("test.renamed")))
+    new RenamedCommand;
+  QTemporaryDir dir;
+  const QString path = dir.filePath(QStringLiteral("s.py"));
+  const QByteArray original = "import zut\nx = 1\nzut.script.test.before(size=2)\n";
+  ASSERT_TRUE(writeFile(path, original));
+  root->setValue(QString::fromLatin1(CFG_UPDATE_SCRIPT_DIALOG_BACKUP), true);
+  root->setValue(QString::fromLatin1(CFG_UPDATE_SCRIPT_DIALOG_WIDTH), 700);
+  root->setValue(QString::fromLatin1(CFG_UPDATE_SCRIPT_DIALOG_HEIGHT), 300);
+  root->setValue(QString::fromLatin1(CFG_UPDATE_SCRIPT_DIALOG_SPLITTER), 0.3);
+  {
+    UpdateScriptDialog dialog(path);
+    dialog.show();
+    ASSERT_TRUE(QTest::qWaitForWindowExposed(&dialog));
+    EXPECT_EQ(dialog.size(), QSize(700, 300));
+    const QList<int> sizes = dialog.splitter()->sizes();
+    EXPECT_NEAR(double(sizes[0]) / (sizes[0] + sizes[1]), 0.3, 0.02);
+    EXPECT_EQ(dialog.originalView()->toPlainText().toUtf8(), original);
+    EXPECT_EQ(dialog.updatedView()->toPlainText(), QStringLiteral("import zut\nx = 1\nzut.script.test.renamed(width=2)\n"));
+    ASSERT_EQ(dialog.updatedView()->extraSelections().size(), 1);
+    EXPECT_EQ(dialog.updatedView()->extraSelections().first().cursor.blockNumber(), 2);
+    dialog.splitter()->setSizes({500, 200});
+    dialog.resize(720, 320);
+    QTest::mouseClick(dialog.findChild<QDialogButtonBox*>()->button(QDialogButtonBox::Ok), Qt::LeftButton);
+    EXPECT_EQ(dialog.result(), QDialog::Accepted);
+    EXPECT_EQ(dialog.backupPath(), path + QStringLiteral(".bak"));
+  }
+  EXPECT_EQ(readFile(path), QByteArray("import zut\nx = 1\nzut.script.test.renamed(width=2)\n"));
+  EXPECT_EQ(readFile(path + QStringLiteral(".bak")), original);
+  EXPECT_EQ(root->getInt(QString::fromLatin1(CFG_UPDATE_SCRIPT_DIALOG_WIDTH)), 720);
+  EXPECT_EQ(root->getInt(QString::fromLatin1(CFG_UPDATE_SCRIPT_DIALOG_HEIGHT)), 320);
+  EXPECT_GT(root->getDouble(QString::fromLatin1(CFG_UPDATE_SCRIPT_DIALOG_SPLITTER)), 0.6);
+
+  // An unreadable script opens no dialog: its error is shown, and the file stays as it is.
+  ASSERT_TRUE(writeFile(path, "x = '\xff'\n"));
+  QString shown;
+  GTools::setErrorDialogHandler([&](const QString& code, const QString& message) { shown = code + ": " + message; });
+  ErrorLog log;
+  EXPECT_FALSE(showScriptUpdate(path, nullptr, log));
+  GTools::setErrorDialogHandler(nullptr);
+  EXPECT_EQ(shown, QStringLiteral("MSysScriptErr-0002: Line 1 is not UTF-8 text."));
+  EXPECT_EQ(log.getText(), QStringLiteral("Line 1 is not UTF-8 text."));
+  EXPECT_EQ(readFile(path), QByteArray("x = '\xff'\n"));
 }
 
 }  // namespace
