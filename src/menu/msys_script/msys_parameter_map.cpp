@@ -214,7 +214,7 @@ public:
       const QChar c = peek();
       if (stringStarts() && (_pos == 0 || !isIdentifierChar(_text[_pos - 1]))) {
         bool bytes = false;
-        string(bytes);
+        string(bytes, true);
         continue;
       }
       if (c == QLatin1Char('#')) {
@@ -450,13 +450,14 @@ public:
     return bytes ? QVariant(text.toLatin1()) : QVariant(text);
   }
 
-  QString string(bool& bytes)
+  // `skipping`: the string is passed over, not read as a value; an f-string is then no fault.
+  QString string(bool& bytes, bool skipping = false)
   {
     const int start = _pos;
     bool raw = false;
     while (!isQuote(peek())) {
       const QChar c = peek().toLower();
-      if (c == QLatin1Char('f'))
+      if (c == QLatin1Char('f') && !skipping)
         fail(start, QStringLiteral("f-strings are not literals"));
       raw = raw || c == QLatin1Char('r');
       bytes = bytes || c == QLatin1Char('b');
@@ -680,7 +681,7 @@ QList<int> findCommandCalls(const QString& text)
     } else if (reader.stringStarts() && (reader._pos == 0 || !isIdentifierChar(text[reader._pos - 1]))) {
       bool bytes = false;
       try {
-        reader.string(bytes);
+        reader.string(bytes, true);
       } catch (const GApp::CommandError&) {
         // An unterminated string hides nothing after it that could be a call.
         break;

@@ -66,6 +66,9 @@ INSTANTIATE_TEST_SUITE_P(
         UpdateCase{"zut.script.first()\nprint(zut.script.other(n=3), zut.script.mid())\n",
                    "zut.script.last()\nprint(zut.script.other(count=3), zut.script.last())\n",
                    {{1, "first", "last"}, {2, "other(n=)", "other(count=)"}, {2, "mid", "last"}}, 0},
+        UpdateCase{"print(f'{a}')\nzut.script.old.cmd(size=f\"{b}\", x=F'}')\n",
+                   "print(f'{a}')\nzut.script.new.cmd(width=f\"{b}\", x=F'}')\n",
+                   {{2, "old.cmd", "new.cmd"}, {2, "new.cmd(size=)", "new.cmd(width=)"}}, 0},
         UpdateCase{"zut.script.new.cmd(size=1, width=2)\n", "zut.script.new.cmd(size=1, width=2)\n", {}, 1},
         UpdateCase{"zut.script.old.cmd(**options)\r\nx = 1\r\n", "zut.script.new.cmd(**options)\r\nx = 1\r\n",
                    {{1, "old.cmd", "new.cmd"}}, 1}));
