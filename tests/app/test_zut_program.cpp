@@ -393,9 +393,10 @@ TEST_F(ZutProgram, UpdateScriptsRewritesCallsOfReplacedNamesAndLeavesUnreadableS
   QDir().mkpath(scripts + QStringLiteral("/tools"));
   writeFile(scripts + QStringLiteral("/tools/renamed.py"), "print('renamed', PARAMETERS['n'])\n");
   writeFile(scripts + QStringLiteral("/tools/renamed.meta.json"), R"({"replaces": ["userscript.old_name"]})");
-  const QByteArray caller = "import zut\n"
-                            "# zut.script.userscript.old_name() stays in a comment\n"
-                            "zut.script.userscript.old_name(parameters={'n': 1})\n";
+  const QByteArray caller =
+      "import zut\n"
+      "# zut.script.userscript.old_name() stays in a comment\n"
+      "zut.script.userscript.old_name(parameters={'n': 1})\n";
   const QByteArray damaged = "zut.script.userscript.old_name()\nx = '\xff'\n";
   writeFile(scripts + QStringLiteral("/caller.py"), caller);
   writeFile(scripts + QStringLiteral("/damaged.py"), damaged);
@@ -426,10 +427,8 @@ TEST_F(ZutProgram, UpdateScriptsRewritesCallsOfReplacedNamesAndLeavesUnreadableS
 
   // Named files only; without the backup setting no backup is kept, and nothing to do is no fault.
   const QString loose = file("loose.py", "zut.interactive.userscript.old_name()\n");
-  ASSERT_EQ(zut({QStringLiteral("config"), QStringLiteral("MSysScript/UpdateScriptDialog/Backup"),
-                 QStringLiteral("false")})
-                .status,
-            0);
+  const QString backup_key = QStringLiteral("MSysScript/UpdateScriptDialog/Backup");
+  ASSERT_EQ(zut({QStringLiteral("config"), backup_key, QStringLiteral("false")}).status, 0);
   const Result named = zut({QStringLiteral("update-scripts"), loose, caller_path});
   EXPECT_EQ(named.status, 0) << qPrintable(named.err);
   EXPECT_EQ(named.out, QStringLiteral("%1:1: userscript.old_name -> userscript.tools.renamed\n").arg(loose));

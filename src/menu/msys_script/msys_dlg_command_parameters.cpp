@@ -51,8 +51,7 @@ int fieldType(int type, const QVariant& value)
   switch (type) {
     case Meta::TYPE_BOOLEAN: return value.typeId() == QMetaType::Bool ? type : Meta::TYPE_ANY;
     case Meta::TYPE_INTEGER:
-      return isInteger(value) && value.toLongLong() >= INT_MIN && value.toLongLong() <= INT_MAX ? type
-                                                                                               : Meta::TYPE_ANY;
+      return isInteger(value) && value.toLongLong() >= INT_MIN && value.toLongLong() <= INT_MAX ? type : Meta::TYPE_ANY;
     case Meta::TYPE_DOUBLE: return value.typeId() == QMetaType::Double || isInteger(value) ? type : Meta::TYPE_ANY;
     case Meta::TYPE_STRING:
     case Meta::TYPE_FILE: return value.typeId() == QMetaType::QString ? type : Meta::TYPE_ANY;
@@ -231,7 +230,7 @@ QWidget* CommandParametersDialog::createField(Row& row)
     }
     default: {
       auto* edit = new QLineEdit(row.original.isValid() || _call.find(row.argument.name) ? writeLiteral(row.original)
-                                                                                        : QString());
+                                                                                         : QString());
       edit->setPlaceholderText(text("a Python literal"));
       connect(edit, &QLineEdit::textChanged, this, edited);
       field = edit;

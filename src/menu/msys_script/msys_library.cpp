@@ -303,8 +303,7 @@ char* DialogTemplates(const char* name, int* faulty)
   return result;
 }
 
-int UpdateScripts(const char* const* files, int count, int dry_run, void (*out)(const char*),
-                  void (*err)(const char*))
+int UpdateScripts(const char* const* files, int count, int dry_run, void (*out)(const char*), void (*err)(const char*))
 {
   int status = -1;
   guarded("UpdateScripts", [&] {
@@ -315,17 +314,18 @@ int UpdateScripts(const char* const* files, int count, int dry_run, void (*out)(
       stream((line + QLatin1Char('\n')).toUtf8().constData());
     };
     status = 0;
-    for (const FileUpdate& update :
-         updateScripts(paths, dry_run != 0, backupWanted(), UpdateRules::fromCommands())) {
+    for (const FileUpdate& update : updateScripts(paths, dry_run != 0, backupWanted(), UpdateRules::fromCommands())) {
       for (const ScriptChange& change : update.changes)
-        say(out, QStringLiteral("%1:%2: %3 -> %4").arg(update.file).arg(change.line).arg(change.old_text, change.new_text));
+        say(out,
+            QStringLiteral("%1:%2: %3 -> %4").arg(update.file).arg(change.line).arg(change.old_text, change.new_text));
       for (const QString& problem : update.problems)
         say(err, QStringLiteral("%1: warning: %2").arg(update.file, problem));
       if (!update.backup.isEmpty())
         say(err, QStringLiteral("%1: the original is kept as %2").arg(update.file, update.backup));
       if (!update.error_code.isEmpty()) {
         status = 1;
-        say(err, QStringLiteral("%1: %2").arg(update.file, GApp::CommandError(update.error_code, update.log).getText()));
+        say(err,
+            QStringLiteral("%1: %2").arg(update.file, GApp::CommandError(update.error_code, update.log).getText()));
       }
     }
   });

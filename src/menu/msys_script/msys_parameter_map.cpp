@@ -578,8 +578,8 @@ QString escapeCharacter(char16_t c)
 QString writeString(const QString& text)
 {
   // As Python's repr chooses: double quotes only for text with single quotes and no double ones.
-  const QChar quote = text.contains(QLatin1Char('\'')) && !text.contains(QLatin1Char('"')) ? QLatin1Char('"')
-                                                                                           : QLatin1Char('\'');
+  const QChar quote =
+      text.contains(QLatin1Char('\'')) && !text.contains(QLatin1Char('"')) ? QLatin1Char('"') : QLatin1Char('\'');
   QString result = quote;
   for (int i = 0; i < text.size(); ++i) {
     const QChar c = text[i];
@@ -801,9 +801,9 @@ QString rewriteCall(const QString& text, const ArgumentList& arguments, const QS
     const int close_line = int(text.lastIndexOf(QLatin1Char('\n'), call.arguments_end - 1)) + 1;
     const QString before_close = text.mid(close_line, call.arguments_end - close_line);
     const CallArgument& last = call.arguments.last();
-    const bool trailing_comma =
-        text.mid(last.value_end, call.arguments_end - last.value_end).section(QLatin1Char('#'), 0, 0).contains(
-            QLatin1Char(','));
+    const bool trailing_comma = text.mid(last.value_end, call.arguments_end - last.value_end)
+                                    .section(QLatin1Char('#'), 0, 0)
+                                    .contains(QLatin1Char(','));
     list = QLatin1Char('\n') + indent + parts.join(QStringLiteral(",\n") + indent);
     if (trailing_comma)
       list += QLatin1Char(',');

@@ -37,9 +37,9 @@ struct CommandCall
   QString command;  // "sys.set_test_timeout"
   bool interactive = false;
   QList<CallArgument> arguments;
-  int begin = 0;            // at "zut"
-  int end = 0;              // after ")"
-  int name_begin = 0;       // at the command's name, after "zut.script."
+  int begin = 0;       // at "zut"
+  int end = 0;         // after ")"
+  int name_begin = 0;  // at the command's name, after "zut.script."
   int name_end = 0;
   int arguments_begin = 0;  // after "("
   int arguments_end = 0;    // at ")"

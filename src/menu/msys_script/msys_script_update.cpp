@@ -168,8 +168,8 @@ bool decodeScript(const QByteArray& bytes, QString& text, QString& encoding, Err
   // A byte order mark stays in the text, so that writing the text back keeps it.
   QStringDecoder decoder(encoding.toLatin1().constData(), QStringConverter::Flag::ConvertInitialBom);
   if (!decoder.isValid()) {
-    log.addLine(QStringLiteral("The script declares the encoding '%1', which scripts cannot be updated in.")
-                    .arg(encoding));
+    log.addLine(
+        QStringLiteral("The script declares the encoding '%1', which scripts cannot be updated in.").arg(encoding));
     return false;
   }
   text = decoder.decode(bytes);
@@ -196,8 +196,7 @@ bool readScriptFile(const QString& path, QString& text, QString& encoding, Error
   return decodeScript(file.readAll(), text, encoding, log);
 }
 
-bool writeUpdatedScript(const QString& path, const QByteArray& bytes, bool backup, QString* backup_path,
-                        ErrorLog& log)
+bool writeUpdatedScript(const QString& path, const QByteArray& bytes, bool backup, QString* backup_path, ErrorLog& log)
 {
   if (backup) {
     QString target = path + QStringLiteral(".bak");

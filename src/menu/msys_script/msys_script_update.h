@@ -68,8 +68,7 @@ bool readScriptFile(const QString& path, QString& text, QString& encoding, Error
 // original beside it as "NAME.py.bak" (or ".bak2", ".bak3", ...: an existing backup is never
 // replaced), whose path goes to `backup_path`. False, with the reason in `log`, when either write
 // fails; the original is then as it was.
-bool writeUpdatedScript(const QString& path, const QByteArray& bytes, bool backup, QString* backup_path,
-                        ErrorLog& log);
+bool writeUpdatedScript(const QString& path, const QByteArray& bytes, bool backup, QString* backup_path, ErrorLog& log);
 
 // Whether updates keep a backup of the original ("MSysScript/UpdateScriptDialog/Backup").
 bool backupWanted();

@@ -11,9 +11,8 @@
 #include <QTest>
 #include <QTimer>
 
-#include <gtest/gtest.h>
-
 #include <functional>
+#include <gtest/gtest.h>
 
 #include "gapp/command_container.h"
 #include "gtools/error_dialog.h"
@@ -64,13 +63,13 @@ protected:
   {
     if (act)
       QTimer::singleShot(0, [&] {
-      auto* dialog = qobject_cast<CommandParametersDialog*>(QApplication::activeModalWidget());
-      ASSERT_TRUE(dialog);
-      act(*dialog);
-      QTest::mouseClick(dialog->findChild<QDialogButtonBox*>()->button(QDialogButtonBox::Ok), Qt::LeftButton);
-      if (dialog->isVisible())
-        dialog->reject();
-    });
+        auto* dialog = qobject_cast<CommandParametersDialog*>(QApplication::activeModalWidget());
+        ASSERT_TRUE(dialog);
+        act(*dialog);
+        QTest::mouseClick(dialog->findChild<QDialogButtonBox*>()->button(QDialogButtonBox::Ok), Qt::LeftButton);
+        if (dialog->isVisible())
+          dialog->reject();
+      });
     ErrorLog log;
     const bool changed = editCommandParameters(&editor, line, nullptr, log);
     last_log = log.getText();

@@ -202,7 +202,8 @@ TEST_F(ScriptDatabaseTest, ReplacedCommandNamesAreWrittenReadAndReachTheScriptCo
   ErrorLog log;
   {
     DatabaseLock database;
-    ASSERT_TRUE(database->writeScript(GScript::LEVEL_USER, QStringLiteral("tools/new_name.py"), "pass\n", metadata, log))
+    ASSERT_TRUE(
+        database->writeScript(GScript::LEVEL_USER, QStringLiteral("tools/new_name.py"), "pass\n", metadata, log))
         << qPrintable(log.getText());
   }
   refresh();

@@ -55,29 +55,38 @@ TEST_P(UpdatesText, RewritesOnlyOlderNames)
 INSTANTIATE_TEST_SUITE_P(
     Table, UpdatesText,
     ::testing::Values(
-        UpdateCase{"zut.script.old.cmd(size=1)\n", "zut.script.new.cmd(width=1)\n",
-                   {{1, "old.cmd", "new.cmd"}, {1, "new.cmd(size=)", "new.cmd(width=)"}}, 0},
-        UpdateCase{"# zut.script.old.cmd()\ns = 'zut.script.old.cmd()'\nzut.script.old.cmd_2()\nzut.script.old.cmd.x()\n",
-                   "# zut.script.old.cmd()\ns = 'zut.script.old.cmd()'\nzut.script.old.cmd_2()\nzut.script.old.cmd.x()\n",
-                   {}, 0},
+        UpdateCase{"zut.script.old.cmd(size=1)\n",
+                   "zut.script.new.cmd(width=1)\n",
+                   {{1, "old.cmd", "new.cmd"}, {1, "new.cmd(size=)", "new.cmd(width=)"}},
+                   0},
+        UpdateCase{
+            "# zut.script.old.cmd()\ns = 'zut.script.old.cmd()'\nzut.script.old.cmd_2()\nzut.script.old.cmd.x()\n",
+            "# zut.script.old.cmd()\ns = 'zut.script.old.cmd()'\nzut.script.old.cmd_2()\nzut.script.old.cmd.x()\n",
+            {},
+            0},
         UpdateCase{"r = zut.interactive.older.cmd(\n    a=x + 1,  # size=2\n    size=f(2, ')'))  # c\n",
                    "r = zut.interactive.new.cmd(\n    a=x + 1,  # size=2\n    width=f(2, ')'))  # c\n",
-                   {{1, "older.cmd", "new.cmd"}, {3, "new.cmd(size=)", "new.cmd(width=)"}}, 0},
+                   {{1, "older.cmd", "new.cmd"}, {3, "new.cmd(size=)", "new.cmd(width=)"}},
+                   0},
         UpdateCase{"zut.script.first()\nprint(zut.script.other(n=3), zut.script.mid())\n",
                    "zut.script.last()\nprint(zut.script.other(count=3), zut.script.last())\n",
-                   {{1, "first", "last"}, {2, "other(n=)", "other(count=)"}, {2, "mid", "last"}}, 0},
+                   {{1, "first", "last"}, {2, "other(n=)", "other(count=)"}, {2, "mid", "last"}},
+                   0},
         UpdateCase{"print(f'{a}')\nzut.script.old.cmd(size=f\"{b}\", x=F'}')\n",
                    "print(f'{a}')\nzut.script.new.cmd(width=f\"{b}\", x=F'}')\n",
-                   {{2, "old.cmd", "new.cmd"}, {2, "new.cmd(size=)", "new.cmd(width=)"}}, 0},
+                   {{2, "old.cmd", "new.cmd"}, {2, "new.cmd(size=)", "new.cmd(width=)"}},
+                   0},
         UpdateCase{"zut.script.new.cmd(size=1, width=2)\n", "zut.script.new.cmd(size=1, width=2)\n", {}, 1},
-        UpdateCase{"zut.script.old.cmd(**options)\r\nx = 1\r\n", "zut.script.new.cmd(**options)\r\nx = 1\r\n",
-                   {{1, "old.cmd", "new.cmd"}}, 1}));
+        UpdateCase{"zut.script.old.cmd(**options)\r\nx = 1\r\n",
+                   "zut.script.new.cmd(**options)\r\nx = 1\r\n",
+                   {{1, "old.cmd", "new.cmd"}},
+                   1}));
 
 TEST(ScriptUpdateFiles, EncodingByteOrderMarkAndBackupsSurvive)
 {
   // A byte order mark and a declared Latin-1 encoding come back as they were.
-  for (const QByteArray& bytes : {QByteArray("\xef\xbb\xbfx = '\xc3\xa9'\r\n"),
-                                  QByteArray("# -*- coding: latin-1 -*-\nx = '\xe9'\n")}) {
+  for (const QByteArray& bytes :
+       {QByteArray("\xef\xbb\xbfx = '\xc3\xa9'\r\n"), QByteArray("# -*- coding: latin-1 -*-\nx = '\xe9'\n")}) {
     QString text;
     QString encoding;
     ErrorLog log;
@@ -136,7 +145,8 @@ TEST(UpdateScriptDialog, ShowsBothTextsWritesWithBackupAndKeepsItsGeometry)
     const QList<int> sizes = dialog.splitter()->sizes();
     EXPECT_NEAR(double(sizes[0]) / (sizes[0] + sizes[1]), 0.3, 0.02);
     EXPECT_EQ(dialog.originalView()->toPlainText().toUtf8(), original);
-    EXPECT_EQ(dialog.updatedView()->toPlainText(), QStringLiteral("import zut\nx = 1\nzut.script.test.renamed(width=2)\n"));
+    EXPECT_EQ(dialog.updatedView()->toPlainText(),
+              QStringLiteral("import zut\nx = 1\nzut.script.test.renamed(width=2)\n"));
     ASSERT_EQ(dialog.updatedView()->extraSelections().size(), 1);
     EXPECT_EQ(dialog.updatedView()->extraSelections().first().cursor.blockNumber(), 2);
     dialog.splitter()->setSizes({500, 200});
