@@ -19,10 +19,12 @@
 #include <QStringDecoder>
 #include <QStringEncoder>
 #include <QToolBar>
+#include <QVBoxLayout>
 
 #include "cfg/cfg.h"
 #include "core/translate.h"
 #include "gapp/command.h"
+#include "gedit/find_bar.h"
 #include "gedit/source_editor.h"
 #include "gscript/execute.h"
 #include "gscript/script_database.h"
@@ -185,6 +187,7 @@ ScriptEditorDialog::ScriptEditorDialog(QWidget* parent)
       _parser(new PythonParser),
       _output(new QPlainTextEdit),
       _splitter(new QSplitter(Qt::Vertical)),
+      _main_splitter(new QSplitter(Qt::Horizontal)),
       _status(new QLabel)
 {
   {
@@ -192,27 +195,45 @@ ScriptEditorDialog::ScriptEditorDialog(QWidget* parent)
     _highlighter = new PythonHighlighter(nullptr, database.get());
   }
   _editor = new GEdit::SourceEditor(_parser, _highlighter);
+  _editor->setObjectName(QStringLiteral("source"));
+  _find_bar = new GEdit::FindBar(_editor);
   _output->setReadOnly(true);
   _output->setObjectName(QStringLiteral("output"));
   _output->setFont(_editor->font());
   _output->setPlaceholderText(QStringLiteral("Output of the script appears here (F5 runs it)."));
-  _splitter->addWidget(_editor);
+  auto* source = new QWidget;
+  auto* source_layout = new QVBoxLayout(source);
+  source_layout->setContentsMargins(0, 0, 0, 0);
+  source_layout->setSpacing(0);
+  source_layout->addWidget(_editor);
+  source_layout->addWidget(_find_bar);
+  _splitter->addWidget(source);
   _splitter->addWidget(_output);
-  setCentralWidget(_splitter);
+  _main_splitter->addWidget(_splitter);
+  _main_splitter->addWidget(createDebugPanel());
+  setCentralWidget(_main_splitter);
+  _status->setObjectName(QStringLiteral("status"));
   statusBar()->addWidget(_status, 1);
+  createActions();
 
-  QToolBar* tools = addToolBar(QStringLiteral("Script"));
-  tools->setObjectName(QStringLiteral("tools"));
-  QAction* run_action = tools->addAction(QStringLiteral("Run"), this, [this] { run(); });
-  run_action->setShortcut(Qt::Key_F5);
-  run_action->setObjectName(QStringLiteral("run"));
-  QAction* save_action = tools->addAction(QStringLiteral("Save"), this, [this] { saveWithReport(); });
-  save_action->setShortcut(QKeySequence::Save);
-  save_action->setObjectName(QStringLiteral("save"));
-
-  connect(_editor->document(), &QTextDocument::modificationChanged, this, [this] { updateTitle(); });
+  connect(_editor->document(), &QTextDocument::modificationChanged, this, [this] {
+    updateTitle();
+    // What was saved is not what is shown any more.
+    if (isModified() && _status->text() == QLatin1String("Saved."))
+      _status->clear();
+  });
+  connect(_editor, &GEdit::SourceEditor::breakpointToggled, this, [this](int line, bool set) {
+    if (!_debugger)
+      return;
+    QString error;
+    if (set && !_debugger->setBreakpoint(runName(), line + 1, QString(), false, &error))
+      setStatus(QStringLiteral("No breakpoint in line %1: %2.").arg(line + 1).arg(error));
+    else if (!set)
+      _debugger->clearBreakpoint(runName(), line + 1);
+  });
   applyConfiguration();
   updateTitle();
+  updateActions();
 }
 
 ScriptEditorDialog::~ScriptEditorDialog() = default;
@@ -223,11 +244,13 @@ void ScriptEditorDialog::applyConfiguration()
   int width = tab_width;
   bool show_tabs = false;
   double splitter = 0.75;
-  QList<int> size{900, 640};
+  double main_splitter = 0.75;
+  QList<int> size{1100, 700};
   if (CfgNode* root = configurationRoot()) {
     width = int(root->getUInt(QString::fromLatin1(CFG_TAB_WIDTH)));
     show_tabs = root->getBool(QString::fromLatin1(CFG_SHOW_TABS));
     splitter = root->getDouble(QString::fromLatin1(CFG_SOURCE_EDITOR_SPLITTER));
+    main_splitter = root->getDouble(QString::fromLatin1(CFG_EDITOR_DIALOG_SPLITTER));
     const QList<int> stored = root->getIntArray(QString::fromLatin1(CFG_EDITOR_DIALOG_SIZE));
     if (stored.size() == 2 && stored[0] > 0 && stored[1] > 0)
       size = stored;
@@ -237,6 +260,7 @@ void ScriptEditorDialog::applyConfiguration()
   _editor->setShowTabs(show_tabs);
   resize(size[0], size[1]);
   _splitter->setSizes({int(1000 * splitter), int(1000 * (1 - splitter))});
+  _main_splitter->setSizes({int(1000 * main_splitter), int(1000 * (1 - main_splitter))});
 }
 
 void ScriptEditorDialog::storeGeometry()
@@ -248,6 +272,9 @@ void ScriptEditorDialog::storeGeometry()
   const QList<int> sizes = _splitter->sizes();
   if (sizes.size() == 2 && sizes[0] + sizes[1] > 0)
     root->setValue(QString::fromLatin1(CFG_SOURCE_EDITOR_SPLITTER), double(sizes[0]) / (sizes[0] + sizes[1]));
+  const QList<int> beside = _main_splitter->sizes();
+  if (beside.size() == 2 && beside[0] + beside[1] > 0)
+    root->setValue(QString::fromLatin1(CFG_EDITOR_DIALOG_SPLITTER), double(beside[0]) / (beside[0] + beside[1]));
 }
 
 bool ScriptEditorDialog::load(const QByteArray& bytes, const QString& name, ErrorLog& log)
@@ -344,7 +371,7 @@ bool ScriptEditorDialog::save(ErrorLog& log)
   }
   QFile::remove(recoveryFile());
   _editor->document()->setModified(false);
-  _status->setText(QStringLiteral("Saved."));
+  setStatus(QStringLiteral("Saved."));
   return true;
 }
 
@@ -403,7 +430,7 @@ void ScriptEditorDialog::offerRecovery()
   if (restore) {
     _editor->setPlainText(kept.toString());
     _editor->document()->setModified(true);
-    _status->setText(QStringLiteral("Unsaved changes restored: save them to keep them."));
+    setStatus(QStringLiteral("Unsaved changes restored: save them to keep them."));
     QFile::remove(path);
   } else {
     // "No" may also be a question cut short by the end of the program: set aside, never deleted.
@@ -419,42 +446,6 @@ void ScriptEditorDialog::saveWithReport()
     GTools::ErrorDialog(QString::fromLatin1(ERR_SAVE_SCRIPT), log.getText());
 }
 
-bool ScriptEditorDialog::run()
-{
-  if (_busy)
-    return false;
-  _busy = true;
-  _editor->markErrorLine(-1);
-  const QString name = !_file.isEmpty()            ? _file
-                       : !_database_file.isEmpty() ? _database_file
-                                                   : QStringLiteral("<editor>");
-  GScript::Execute execute(text());
-  execute.setFileName(name);
-  execute.setCollectStdout(true);
-  execute.setCollectStderr(true);
-  QString code;
-  ErrorLog log;
-  _status->setText(QStringLiteral("Running..."));
-  const bool success = execute.execute(0, GScript::Execute::FLAG_MAIN, code, log);
-  QString output = execute.getCollectedOutput();
-  if (success) {
-    _status->setText(QStringLiteral("Finished."));
-  } else {
-    const GApp::CommandError error(code, log);
-    output += error.getText() + QLatin1Char('\n');
-    // The innermost frame of this text names the failing line.
-    const QRegularExpression frame(QStringLiteral("File \"%1\", line (\\d+)").arg(QRegularExpression::escape(name)));
-    int line = -1;
-    for (auto it = frame.globalMatch(log.getText()); it.hasNext();)
-      line = it.next().captured(1).toInt() - 1;
-    _editor->markErrorLine(line);
-    _status->setText(line >= 0 ? QStringLiteral("Failed in line %1.").arg(line + 1) : QStringLiteral("Failed."));
-  }
-  _output->setPlainText(output);
-  _busy = false;
-  return success;
-}
-
 void ScriptEditorDialog::updateTitle()
 {
   const QString name = !_file.isEmpty()            ? QFileInfo(_file).fileName()
@@ -467,6 +458,13 @@ void ScriptEditorDialog::updateTitle()
 
 void ScriptEditorDialog::closeEvent(QCloseEvent* event)
 {
+  // The run's frames live on this window's stack: it closes once the run has ended.
+  if (_busy) {
+    _close_after_run = true;
+    stopRun();
+    event->ignore();
+    return;
+  }
   if (isModified() && GTools::isInteractive()) {
     const auto answer = QMessageBox::question(this, windowTitle(), QStringLiteral("Save the changes?"),
                                               QMessageBox::Save | QMessageBox::Discard | QMessageBox::Cancel);

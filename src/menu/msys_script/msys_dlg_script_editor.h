@@ -5,12 +5,19 @@
 #include <memory>
 
 #include "core/error_log.h"
+#include "gscript/debugger.h"
 
+class QAction;
+class QEventLoop;
+class QLabel;
+class QLineEdit;
+class QListWidget;
 class QPlainTextEdit;
 class QSplitter;
-class QLabel;
+class QTreeWidget;
 
 namespace Vel::GEdit {
+class FindBar;
 class SourceEditor;
 }
 
@@ -40,9 +47,14 @@ struct ScriptFileFormat
 };
 
 // The script editor: the source text with colours, folds and line numbers above, the output of
-// the last run below. It edits a file, or the database's current script (holding the database
-// while it is open).
-class ScriptEditorDialog : public QMainWindow
+// the last run below, and beside them what a paused run shows: its call stack, the variables of
+// the chosen frame and a console that evaluates there. It edits a file, or the database's
+// current script (holding the database while it is open).
+//
+// Runs are debugged: breakpoints set in the line numbers pause them, and Step, Run to cursor and
+// Stop drive them. A paused run waits in a nested event loop in which only the editor and the
+// script's own dialogs take input.
+class ScriptEditorDialog : public QMainWindow, private GScript::Debugger::Frontend
 {
   Q_OBJECT
 
@@ -68,18 +80,54 @@ public:
   // The text exactly as it is saved (before encoding).
   QString text() const;
   // Runs the text; the output pane shows what it printed and, on failure, the error, with the
-  // failing line marked in the text.
+  // failing line marked in the text. Returns when the run has ended, pauses included.
   bool run();
+  // Runs the text paused at its first line, or until the cursor's line.
+  bool runStepping();
+  bool runToCursor();
   bool isBusy() const { return _busy; }
+  bool isPaused() const { return _pause_loop != nullptr; }
+  // Ends the run: where it is paused, or at its next safe point.
+  void stopRun();
+  // The name runs give the text: the file, the database script, or "<editor>".
+  QString runName() const;
+
+  QAction* action(const char* name) const;
+  QListWidget* getStackView() const { return _stack_view; }
+  QTreeWidget* getVariablesView() const { return _variables_view; }
+  QLineEdit* getConsoleInput() const { return _console_input; }
+  QPlainTextEdit* getConsoleOutput() const { return _console_output; }
+  GEdit::FindBar* getFindBar() const { return _find_bar; }
+  QString statusText() const;
 
   GEdit::SourceEditor* getEditor() const { return _editor; }
   QPlainTextEdit* getOutput() const { return _output; }
   const QString& getFileName() const { return _file; }
 
+Q_SIGNALS:
+  // A run paused; `line` is the line (0-based) of the editor's text, -1 when it is paused in
+  // another script.
+  void runPaused(int line);
+
 protected:
   void closeEvent(QCloseEvent* event) override;
 
 private:
+  enum class Start
+  {
+    Run,
+    Step,
+    ToCursor
+  };
+  bool startRun(Start start);
+  void paused(GScript::Debugger& debugger, const GScript::Debugger::Stop& stop) override;
+  void resumeWith(void (GScript::Debugger::*how)());
+  void showFrame(int row);
+  void evaluateConsole();
+  void updateActions();
+  void setStatus(const QString& text);
+  void createActions();
+  QWidget* createDebugPanel();
   bool load(const QByteArray& bytes, const QString& name, ErrorLog& log);
   void offerRecovery();
   void updateTitle();
@@ -91,13 +139,24 @@ private:
   PythonParser* _parser;
   PythonHighlighter* _highlighter;
   QPlainTextEdit* _output;
-  QSplitter* _splitter;
+  QSplitter* _splitter;  // the source above the output
+  QSplitter* _main_splitter;  // those beside the debugging panel
+  GEdit::FindBar* _find_bar;
+  QListWidget* _stack_view;
+  QTreeWidget* _variables_view;
+  QLineEdit* _console_input;
+  QPlainTextEdit* _console_output;
   QLabel* _status;
   QString _file;           // a file on disk, or
   QString _database_file;  // the database file name of the script
   ScriptFileFormat _format;
   std::unique_ptr<DatabaseLock> _lock;
   bool _busy = false;
+  bool _close_after_run = false;
+  bool _run_has_paused = false;
+  GScript::Debugger* _debugger = nullptr;  // while a run of this editor is debugged
+  QEventLoop* _pause_loop = nullptr;       // while paused
+  QList<GScript::Debugger::Frame> _frames;  // while paused, outermost first
 };
 
 }  // namespace Vel::MSysScript

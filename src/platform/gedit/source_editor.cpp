@@ -4,6 +4,7 @@
 #include <QPainterPath>
 #include <QTextBlock>
 
+#include <climits>
 #include <map>
 
 #include "gedit/text_highlighter.h"
@@ -15,7 +16,11 @@ namespace {
 class Margin : public QWidget
 {
 public:
-  explicit Margin(SourceEditor* editor) : QWidget(editor), _editor(editor) { setCursor(Qt::ArrowCursor); }
+  explicit Margin(SourceEditor* editor) : QWidget(editor), _editor(editor)
+  {
+    setObjectName(QStringLiteral("margin"));
+    setCursor(Qt::ArrowCursor);
+  }
   QSize sizeHint() const override { return QSize(_editor->marginWidth(), 0); }
 
 protected:
@@ -27,6 +32,7 @@ private:
 };
 
 const int FOLD_AREA = 14;
+const int MARK_AREA = 14;  // breakpoints and the current line, left of the numbers
 
 }  // namespace
 
@@ -68,18 +74,54 @@ void SourceEditor::setShowTabs(bool show)
 void SourceEditor::markErrorLine(int line)
 {
   _error_line = line;
-  QList<QTextEdit::ExtraSelection> selections;
   const QTextBlock block = document()->findBlockByNumber(line);
   if (line >= 0 && block.isValid()) {
-    QTextEdit::ExtraSelection selection;
-    selection.format.setBackground(QColor(255, 210, 210));
-    selection.format.setProperty(QTextFormat::FullWidthSelection, true);
-    selection.cursor = QTextCursor(block);
-    selections << selection;
     setTextCursor(QTextCursor(block));
     centerCursor();
   }
+  updateMarks();
+}
+
+void SourceEditor::setCurrentLine(int line)
+{
+  _current_line = line;
+  const QTextBlock block = document()->findBlockByNumber(line);
+  if (line >= 0 && block.isValid()) {
+    unfoldAround(line);  // a folded pause would be invisible
+    QTextCursor cursor(block);
+    setTextCursor(cursor);
+    ensureCursorVisible();
+  }
+  updateMarks();
+}
+
+void SourceEditor::setBreakpoint(int line, bool set)
+{
+  if (line < 0 || line >= blockCount())
+    return;
+  if (set ? _breakpoints.insert(line).second : _breakpoints.erase(line) != 0) {
+    _margin->update();
+    Q_EMIT breakpointToggled(line, set);
+  }
+}
+
+void SourceEditor::updateMarks()
+{
+  QList<QTextEdit::ExtraSelection> selections;
+  const auto mark = [&](int line, const QColor& colour) {
+    const QTextBlock block = document()->findBlockByNumber(line);
+    if (line < 0 || !block.isValid())
+      return;
+    QTextEdit::ExtraSelection selection;
+    selection.format.setBackground(colour);
+    selection.format.setProperty(QTextFormat::FullWidthSelection, true);
+    selection.cursor = QTextCursor(block);
+    selections << selection;
+  };
+  mark(_error_line, QColor(255, 210, 210));
+  mark(_current_line, QColor(255, 240, 150));
   setExtraSelections(selections);
+  _margin->update();
 }
 
 int SourceEditor::marginWidth() const
@@ -87,7 +129,7 @@ int SourceEditor::marginWidth() const
   int digits = 1;
   for (int count = qMax(1, blockCount()); count >= 10; count /= 10)
     ++digits;
-  return 8 + fontMetrics().horizontalAdvance(QLatin1Char('9')) * qMax(3, digits) + FOLD_AREA;
+  return MARK_AREA + 4 + fontMetrics().horizontalAdvance(QLatin1Char('9')) * qMax(3, digits) + FOLD_AREA;
 }
 
 void SourceEditor::resizeEvent(QResizeEvent* event)
@@ -118,6 +160,28 @@ void SourceEditor::paintMargin(QPaintEvent* event)
       const int line = block.blockNumber();
       painter.setPen(line == _error_line ? QColor(200, 0, 0) : palette().color(QPalette::PlaceholderText));
       painter.drawText(0, top, numbers_width - 4, fontMetrics().height(), Qt::AlignRight, QString::number(line + 1));
+      const QPointF mark_centre(MARK_AREA / 2.0 + 1, top + fontMetrics().height() / 2.0);
+      painter.setRenderHint(QPainter::Antialiasing);
+      if (_breakpoints.count(line)) {
+        painter.setPen(QColor(150, 20, 20));
+        painter.setBrush(QColor(220, 40, 40));
+        painter.drawEllipse(mark_centre, 5, 5);
+      }
+      if (line == _current_line) {
+        QPainterPath arrow;
+        arrow.moveTo(mark_centre + QPointF(-5, -3));
+        arrow.lineTo(mark_centre + QPointF(0, -3));
+        arrow.lineTo(mark_centre + QPointF(0, -6));
+        arrow.lineTo(mark_centre + QPointF(6, 0));
+        arrow.lineTo(mark_centre + QPointF(0, 6));
+        arrow.lineTo(mark_centre + QPointF(0, 3));
+        arrow.lineTo(mark_centre + QPointF(-5, 3));
+        arrow.closeSubpath();
+        painter.setPen(QColor(120, 100, 0));
+        painter.setBrush(QColor(255, 210, 0));
+        painter.drawPath(arrow);
+      }
+      painter.setRenderHint(QPainter::Antialiasing, false);
       const auto found = _parser->getBlocks().find(line);
       if (found != _parser->getBlocks().end()) {
         // A triangle: pointing down while open, right while folded.
@@ -145,12 +209,21 @@ void SourceEditor::paintMargin(QPaintEvent* event)
 
 void SourceEditor::marginClicked(const QPoint& position)
 {
-  if (position.x() < _margin->width() - FOLD_AREA)
-    return;
   const QTextCursor cursor = cursorForPosition(QPoint(0, position.y()));
   const int line = cursor.block().blockNumber();
-  if (_parser->getBlocks().count(line))
+  if (position.x() < _margin->width() - FOLD_AREA)
+    setBreakpoint(line, !_breakpoints.count(line));
+  else if (_parser->getBlocks().count(line))
     toggleFold(line);
+}
+
+void SourceEditor::unfoldAround(int line)
+{
+  if (document()->findBlockByNumber(line).isVisible())
+    return;
+  for (auto it = _folded.begin(); it != _folded.end();)
+    it = *it < line && line <= _parser->getBlocks().at(*it) ? _folded.erase(it) : std::next(it);
+  applyFolding();
 }
 
 void SourceEditor::toggleFold(int first_line)
@@ -201,10 +274,25 @@ void SourceEditor::contentsChanged(int position, int removed, int)
     _parser->textDeleted(line, qMax(0, -delta));
   else
     _parser->textInserted(line, delta);
-  if (_error_line >= 0)
-    markErrorLine(-1);
+  // Marks below the edit move with their lines; those of removed lines go.
+  if (delta != 0) {
+    std::set<int> moved;
+    for (int mark : _breakpoints)
+      if (mark <= line)
+        moved.insert(mark);
+      else if (mark + delta > line)
+        moved.insert(mark + delta);
+    _breakpoints.swap(moved);
+    if (_current_line > line)
+      _current_line = _current_line + delta > line ? _current_line + delta : -1;
+  }
+  if (_error_line >= 0) {
+    _error_line = -1;
+    updateMarks();
+  }
   applyFolding();
 }
+
 
 namespace {
 
@@ -217,6 +305,62 @@ QString leadingSpace(const QString& line)
 }
 
 }  // namespace
+
+void SourceEditor::commentLines(bool comment)
+{
+  const QTextCursor selection = textCursor();
+  QTextBlock first = document()->findBlock(selection.selectionStart());
+  QTextBlock last = document()->findBlock(selection.selectionEnd());
+  // A selection that ends at the start of a line does not take that line.
+  if (selection.hasSelection() && last != first && selection.selectionEnd() == last.position())
+    last = last.previous();
+  const auto lines = [&](const auto& visit) {
+    for (QTextBlock block = first; block.isValid(); block = block.next()) {
+      visit(block);
+      if (block == last)
+        break;
+    }
+  };
+  int column = INT_MAX;
+  lines([&](const QTextBlock& block) {
+    if (!block.text().trimmed().isEmpty())
+      column = qMin(column, int(leadingSpace(block.text()).size()));
+  });
+  if (column == INT_MAX)
+    return;
+  QTextCursor edit(document());
+  edit.beginEditBlock();
+  lines([&](const QTextBlock& block) {
+    const QString text = block.text();
+    if (text.trimmed().isEmpty())
+      return;
+    QTextCursor cursor(block);
+    if (comment) {
+      cursor.setPosition(block.position() + column);
+      cursor.insertText(QStringLiteral("# "));
+      return;
+    }
+    const int mark = int(leadingSpace(text).size());
+    if (mark >= text.size() || text[mark] != QLatin1Char('#'))
+      return;
+    const bool space = mark + 1 < text.size() && text[mark + 1] == QLatin1Char(' ');
+    cursor.setPosition(block.position() + mark);
+    cursor.setPosition(block.position() + mark + (space ? 2 : 1), QTextCursor::KeepAnchor);
+    cursor.removeSelectedText();
+  });
+  edit.endEditBlock();
+}
+
+bool SourceEditor::goToLine(int line)
+{
+  const QTextBlock block = document()->findBlockByNumber(line - 1);
+  if (line < 1 || !block.isValid())
+    return false;
+  unfoldAround(line - 1);
+  setTextCursor(QTextCursor(block));
+  centerCursor();
+  return true;
+}
 
 QString SourceEditor::indentUnit() const
 {

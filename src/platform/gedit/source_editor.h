@@ -30,9 +30,22 @@ public:
   // Marks a line (0-based) as the one where something failed, and shows it; -1 clears.
   void markErrorLine(int line);
   int getErrorLine() const { return _error_line; }
+  // The line where a run is paused (0-based), marked with an arrow and a background; -1 clears.
+  void setCurrentLine(int line);
+  int getCurrentLine() const { return _current_line; }
+
+  // Breakpoint marks (0-based lines), set by clicking the line numbers; they move with the text.
+  const std::set<int>& getBreakpoints() const { return _breakpoints; }
+  void setBreakpoint(int line, bool set);
 
   bool isFolded(int first_line) const { return _folded.count(first_line) != 0; }
   void toggleFold(int first_line);
+
+  // Comments out the lines of the selection (the cursor's line without one) with "# " at their
+  // common indentation, or takes one comment mark off each; one step to undo. Blank lines stay.
+  void commentLines(bool comment);
+  // Moves the cursor to the start of a line (from 1) and shows it; false for no such line.
+  bool goToLine(int line);
 
   // The indentation the text already uses for one level: a tab, or so many spaces.
   QString indentUnit() const;
@@ -41,6 +54,9 @@ public:
   void paintMargin(QPaintEvent* event);
   void marginClicked(const QPoint& position);
 
+Q_SIGNALS:
+  void breakpointToggled(int line, bool set);
+
 protected:
   void resizeEvent(QResizeEvent* event) override;
   void keyPressEvent(QKeyEvent* event) override;
@@ -48,7 +64,10 @@ protected:
 private:
   void contentsChanged(int position, int removed, int added);
   void applyFolding();
+  // Opens the folds that hide a line.
+  void unfoldAround(int line);
   void updateMargin(const QRect& rect, int dy);
+  void updateMarks();
 
   TextParser* _parser;
   TextHighlighter* _highlighter;
@@ -57,6 +76,8 @@ private:
   std::set<int> _folded;
   int _line_count = 1;
   int _error_line = -1;
+  int _current_line = -1;
+  std::set<int> _breakpoints;
   bool _hiding = false;  // some line may be hidden by a fold
 };
 

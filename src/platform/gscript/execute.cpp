@@ -1,5 +1,7 @@
 #include "gscript/execute.h"
 
+#include <optional>
+
 #include <pybind11/embed.h>
 
 #include <QFileInfo>
@@ -232,6 +234,36 @@ bool handleException(py::error_already_set& error, QString& error_code, ErrorLog
   return false;
 }
 
+// Puts a text into linecache under its file name for as long as it lives. Without a time stamp
+// linecache never checks the file, so tracebacks quote this text.
+class QuotedText
+{
+public:
+  QuotedText(bool active, const std::string& file_name, const QString& text)
+  {
+    if (!active || text.isEmpty())
+      return;
+    const py::list lines = py::str(text.toStdString()).attr("splitlines")(true);
+    _cache = py::module_::import("linecache").attr("cache");
+    _name = py::str(file_name);
+    _cache[_name] = py::make_tuple(text.size(), py::none(), lines, _name);
+  }
+  ~QuotedText()
+  {
+    if (!_cache)
+      return;
+    const SafePoints::Hold hold;
+    if (PyDict_Check(_cache.ptr()) && PyDict_DelItem(_cache.ptr(), _name.ptr()) != 0)
+      PyErr_Clear();
+  }
+  QuotedText(const QuotedText&) = delete;
+  QuotedText& operator=(const QuotedText&) = delete;
+
+private:
+  py::object _cache;
+  py::object _name;
+};
+
 }  // namespace
 
 Execute::Execute(const QString& code) : _code(code) {}
@@ -278,6 +310,7 @@ bool Execute::execute(int /*gui_mode*/, int flags, QString& error_code, ErrorLog
   bool success = true;
   {
     OutputRedirection redirection(_collect_stdout, _collect_stderr);
+    std::optional<QuotedText> quoted;  // until the traceback is written
     try {
       RunModule module((flags & FLAG_MAIN) != 0, _file_name, _arguments);
       py::dict& globals = module.globals();
@@ -290,6 +323,7 @@ bool Execute::execute(int /*gui_mode*/, int flags, QString& error_code, ErrorLog
       const std::string file_name = name.isEmpty() ? std::string("<string>") : name.toStdString();
       const py::object source = _from_source ? py::object(py::bytes(_source.constData(), size_t(_source.size())))
                                              : py::object(py::str(_code.toStdString()));
+      quoted.emplace(_quote_own_text && !_from_source, file_name, _code);
       if (Debugger* debugger = Debugger::active())
         debugger->sourceCompiled(QString::fromStdString(file_name), _from_source ? _source : _code.toUtf8());
       const py::object compiled =

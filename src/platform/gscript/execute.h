@@ -49,6 +49,9 @@ public:
   const QString& getFileName() const { return _file_name; }
   // What follows the file name in sys.argv while a run with a file name runs.
   void setArguments(const QStringList& arguments) { _arguments = arguments; }
+  // Tracebacks quote this text rather than the file of the same name on disk (an editor's text
+  // that differs from what was saved).
+  void setQuoteOwnText(bool quote) { _quote_own_text = quote; }
   // The name tracebacks give the text instead of its file name (a database script's name).
   void setCodeName(const QString& code_name) { _code_name = code_name; }
 
@@ -69,6 +72,7 @@ private:
   QMap<QString, QVariant> _parameters;
   bool _collect_stdout = false;
   bool _collect_stderr = false;
+  bool _quote_own_text = false;
   QString _collected;
 };
 

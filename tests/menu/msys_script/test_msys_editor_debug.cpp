@@ -1,0 +1,278 @@
+// The script editor as a person debugs with it: real clicks in the line numbers, real keys for
+// the debugger's actions, answered from inside each pause.
+#include <QAction>
+#include <QApplication>
+#include <QLineEdit>
+#include <QListWidget>
+#include <QPlainTextEdit>
+#include <QPushButton>
+#include <QTemporaryDir>
+#include <QTest>
+#include <QTextBlock>
+#include <QTimer>
+#include <QTreeWidget>
+
+#include <functional>
+
+#include <gtest/gtest.h>
+
+#include "gedit/find_bar.h"
+#include "gedit/source_editor.h"
+#include "menu/msys_script/msys_dlg_script_editor.h"
+#include "menu/msys_script/msys_dlg_user_defined.h"
+#include "dialog_test_element.h"
+#include "msys_fixture.h"
+#include "test_util.h"
+
+using namespace Vel;
+using namespace Vel::MSysScript;
+
+namespace {
+
+const QByteArray LOOP_SCRIPT =
+    "total = 0\n"              // 0
+    "for i in range(3):\n"     // 1
+    "    total += i\n"         // 2
+    "def helper(x):\n"         // 3
+    "    y = x * 2\n"          // 4
+    "    return y\n"           // 5
+    "result = helper(total)\n" // 6
+    "print('result', result)\n";  // 7
+
+class EditorDebugging : public ::testing::Test
+{
+protected:
+  void SetUp() override
+  {
+    startedModule();
+    TestElement::registryWithTestElement();  // run-time dialogs need the application's supplier
+    _path = _dir.filePath(QStringLiteral("work.py"));
+  }
+
+  // An editor on a file holding `text`, shown and active so that its shortcuts work.
+  void open(const QByteArray& text)
+  {
+    ASSERT_TRUE(writeFile(_path, text));
+    ErrorLog log;
+    ASSERT_TRUE(dialog.openFile(_path, log)) << qPrintable(log.getText());
+    dialog.show();
+    QApplication::setActiveWindow(&dialog);
+    ASSERT_TRUE(QTest::qWaitForWindowActive(&dialog));
+    editor()->setFocus();
+  }
+
+  GEdit::SourceEditor* editor() const { return dialog.getEditor(); }
+
+  void clickLineNumber(int line)
+  {
+    QWidget* margin = editor()->findChild<QWidget*>(QStringLiteral("margin"));
+    const QTextBlock block = editor()->document()->findBlockByNumber(line);
+    const int y = editor()->cursorRect(QTextCursor(block)).center().y();
+    QTest::mouseClick(margin, Qt::LeftButton, Qt::NoModifier, QPoint(6, y));
+  }
+
+  void putCursorOn(int line) { editor()->setTextCursor(QTextCursor(editor()->document()->findBlockByNumber(line))); }
+
+  // Runs with `start` (a key), answering the pauses in turn; each answer is given from inside
+  // the pause, after its line was recorded. A pause without an answer stops the run.
+  QList<int> debug(int key, Qt::KeyboardModifiers modifiers, std::vector<std::function<void()>> answers)
+  {
+    QList<int> lines;
+    size_t next = 0;
+    const QMetaObject::Connection connection =
+        QObject::connect(&dialog, &ScriptEditorDialog::runPaused, &dialog, [&](int line) {
+          lines << line;
+          const std::function<void()> answer =
+              next < answers.size() ? answers[next++] : [this] { QTest::keyClick(&dialog, Qt::Key_F5, Qt::ShiftModifier); };
+          QTimer::singleShot(0, &dialog, answer);
+        });
+    QTest::keyClick(editor(), Qt::Key(key), modifiers);
+    QObject::disconnect(connection);
+    EXPECT_EQ(next, answers.size()) << "pauses answered";
+    return lines;
+  }
+
+  void press(int key, Qt::KeyboardModifiers modifiers = Qt::NoModifier)
+  {
+    QTest::keyClick(editor(), Qt::Key(key), modifiers);
+  }
+
+  QString variable(const QString& name) const
+  {
+    const QList<QTreeWidgetItem*> found =
+        dialog.getVariablesView()->findItems(name, Qt::MatchExactly | Qt::MatchRecursive);
+    return found.isEmpty() ? QStringLiteral("<none>") : found.first()->text(1);
+  }
+
+  QString evaluate(const QString& expression)
+  {
+    dialog.getConsoleOutput()->clear();
+    QTest::keyClicks(dialog.getConsoleInput(), expression);
+    QTest::keyClick(dialog.getConsoleInput(), Qt::Key_Return);
+    return dialog.getConsoleOutput()->toPlainText().section(QLatin1Char('\n'), 1);
+  }
+
+  QTemporaryDir _dir;
+  QString _path;
+  ScriptEditorDialog dialog;
+};
+
+}  // namespace
+
+// A breakpoint clicked in the line numbers stops every pass of a loop; the variables and the
+// console show the pass; Run to cursor and Step move the marker; Continue runs to the end.
+TEST_F(EditorDebugging, BreakpointsStepAndRunToCursorMoveTheMarker)
+{
+  open(LOOP_SCRIPT);
+  clickLineNumber(2);
+  EXPECT_EQ(editor()->getBreakpoints(), std::set<int>{2});
+
+  QStringList seen;
+  const QList<int> lines = debug(Qt::Key_F5, Qt::NoModifier,
+                                 {[&] {
+                                    seen << variable(QStringLiteral("i")) << evaluate(QStringLiteral("i + 10"));
+                                    EXPECT_EQ(editor()->getCurrentLine(), 2);
+                                    press(Qt::Key_F5);
+                                  },
+                                  [&] {
+                                    seen << variable(QStringLiteral("i"));
+                                    clickLineNumber(2);  // off again, while paused
+                                    putCursorOn(5);
+                                    press(Qt::Key_F10, Qt::ControlModifier);
+                                  },
+                                  [&] {
+                                    // In the function: its own frame and the module's.
+                                    seen << QString::number(dialog.getStackView()->count()) << variable(QStringLiteral("y"));
+                                    clickLineNumber(7);
+                                    // With ZUT_TEST_SCREENSHOTS set, the paused editor is kept as a picture.
+                                    if (const QString folder = qEnvironmentVariable("ZUT_TEST_SCREENSHOTS"); !folder.isEmpty())
+                                      dialog.grab().save(folder + QStringLiteral("/editor_paused.png"));
+                                    press(Qt::Key_F10);
+                                  },
+                                  [&] { press(Qt::Key_F10); }});
+  EXPECT_EQ(lines, (QList<int>{2, 2, 5, 7})) << qPrintable(dialog.getOutput()->toPlainText());
+  EXPECT_EQ(seen, (QStringList{QStringLiteral("0"), QStringLiteral("10"), QStringLiteral("1"), QStringLiteral("2"),
+                               QStringLiteral("6")}));
+  EXPECT_EQ(editor()->getCurrentLine(), -1);
+  EXPECT_EQ(dialog.getOutput()->toPlainText(), QStringLiteral("result 6\n"));
+  EXPECT_EQ(dialog.statusText(), QStringLiteral("Finished."));
+}
+
+// Step into from an idle editor pauses at the first line; Stop raises KeyboardInterrupt where it
+// is paused, so the script's finally blocks run.
+TEST_F(EditorDebugging, StepStartsPausedAndStopRunsFinallyBlocks)
+{
+  open("print('start')\ntry:\n    x = 1\n    x = 2\nfinally:\n    print('cleaned up')\nprint('not reached')\n");
+  const QList<int> lines = debug(Qt::Key_F11, Qt::NoModifier,
+                                 {[&] { press(Qt::Key_F10); }, [&] { press(Qt::Key_F10); },
+                                  [&] { press(Qt::Key_F5, Qt::ShiftModifier); }});
+  EXPECT_EQ(lines, (QList<int>{0, 1, 2}));
+  EXPECT_TRUE(dialog.getOutput()->toPlainText().startsWith(QStringLiteral("start\ncleaned up\n")))
+      << qPrintable(dialog.getOutput()->toPlainText());
+  EXPECT_FALSE(dialog.getOutput()->toPlainText().contains(QStringLiteral("not reached")));
+  EXPECT_EQ(dialog.statusText(), QStringLiteral("Stopped."));
+  EXPECT_EQ(editor()->getErrorLine(), -1);
+}
+
+// While paused, the script's own modeless dialog answers its handler, and other windows take no
+// input until the run goes on.
+TEST_F(EditorDebugging, WhilePausedTheScriptsDialogAnswersAndOtherWindowsWait)
+{
+  open("import zut\n"
+       "xml = '''<dialog><title>Probe</title><control id=\"Empty\"/><content rows=\"1\" columns=\"1\">"
+       "<widget type=\"button::pushbutton\" row=\"0\" column=\"0\"><name>go</name><text>Go</text></widget>"
+       "</content></dialog>'''\n"
+       "dlg = zut.script.sys.create_user_defined_dialog(content=xml)\n"
+       "clicks = []\n"
+       "def handler(widget):\n"
+       "    if widget == dlg.go:\n"
+       "        clicks.append('go')\n"
+       "dlg.handler = handler\n"
+       "zut.script.sys.open_user_defined_dialog(dialog=dlg)\n"
+       "print('clicks', clicks)\n"
+       "zut.script.sys.close_user_defined_dialog(dialog=dlg)\n");
+  clickLineNumber(9);
+  QPushButton other(QStringLiteral("Elsewhere"));
+  other.show();
+  int other_clicks = 0;
+  QObject::connect(&other, &QPushButton::clicked, [&] { ++other_clicks; });
+
+  QString inside;
+  debug(Qt::Key_F5, Qt::NoModifier, {[&] {
+          QPushButton* go = nullptr;
+          for (QWidget* window : QApplication::topLevelWidgets())
+            if (auto* shown = qobject_cast<UserDefinedDialog*>(window))
+              for (QPushButton* button : shown->findChildren<QPushButton*>())
+                if (button->text() == QLatin1String("Go"))
+                  go = button;
+          if (!go) {
+            ADD_FAILURE() << "the dialog is not shown";
+            return press(Qt::Key_F5, Qt::ShiftModifier);
+          }
+          QTest::mouseClick(go, Qt::LeftButton);
+          QTest::mouseClick(&other, Qt::LeftButton);
+          inside = evaluate(QStringLiteral("clicks"));
+          press(Qt::Key_F5);
+        }});
+  EXPECT_EQ(inside, QStringLiteral("['go']"));
+  EXPECT_EQ(other_clicks, 0);
+  EXPECT_TRUE(dialog.getOutput()->toPlainText().startsWith(QStringLiteral("clicks ['go']")))
+      << qPrintable(dialog.getOutput()->toPlainText());
+  QTest::mouseClick(&other, Qt::LeftButton);
+  EXPECT_EQ(other_clicks, 1);
+}
+
+// A failed run quotes the text in the editor, not the file on disk; the status line does not
+// say "Saved." over changes made since.
+TEST_F(EditorDebugging, TracebacksQuoteTheEditorsTextAndTheStatusFollowsChanges)
+{
+  open("x = 1\nraise ValueError('as saved')\n");
+  QTextCursor cursor(editor()->document()->findBlockByNumber(1));
+  cursor.movePosition(QTextCursor::EndOfBlock);
+  cursor.insertText(QStringLiteral("  # edited"));
+  press(Qt::Key_F5);
+  const QString output = dialog.getOutput()->toPlainText();
+  EXPECT_TRUE(output.contains(QStringLiteral("raise ValueError('as saved')  # edited"))) << qPrintable(output);
+  EXPECT_EQ(editor()->getErrorLine(), 1);
+
+  press(Qt::Key_S, Qt::ControlModifier);
+  EXPECT_EQ(dialog.statusText(), QStringLiteral("Saved."));
+  QTest::keyClicks(editor(), QStringLiteral("y"));
+  EXPECT_NE(dialog.statusText(), QStringLiteral("Saved."));
+}
+
+// Find, replace, go to line and commenting, through their keys; breakpoints move with the lines.
+TEST_F(EditorDebugging, FindReplaceGoToLineAndCommentLines)
+{
+  open("def f():\n    value = 1\n    return value\n\nf()\n");
+  clickLineNumber(4);
+  putCursorOn(0);
+  press(Qt::Key_F, Qt::ControlModifier);
+  QTest::keyClicks(dialog.getFindBar()->findField(), QStringLiteral("VALUE"));
+  QTest::keyClick(dialog.getFindBar()->findField(), Qt::Key_Return);
+  EXPECT_EQ(editor()->textCursor().blockNumber(), 1);
+  QTest::keyClick(dialog.getFindBar()->findField(), Qt::Key_Return);
+  EXPECT_EQ(editor()->textCursor().blockNumber(), 2);
+
+  press(Qt::Key_H, Qt::ControlModifier);
+  QTest::keyClicks(dialog.getFindBar()->replaceField(), QStringLiteral("amount"));
+  QTest::mouseClick(dialog.getFindBar()->findChild<QPushButton*>(QStringLiteral("replace_all")), Qt::LeftButton);
+  EXPECT_EQ(dialog.text(), QStringLiteral("def f():\n    amount = 1\n    return amount\n\nf()\n"));
+  editor()->undo();
+  EXPECT_EQ(dialog.text(), QStringLiteral("def f():\n    value = 1\n    return value\n\nf()\n"));
+
+  // Lines 2 and 3 selected: commented at their common indentation, and back.
+  QTextCursor selection(editor()->document()->findBlockByNumber(1));
+  selection.setPosition(editor()->document()->findBlockByNumber(2).position() + 5, QTextCursor::KeepAnchor);
+  editor()->setTextCursor(selection);
+  press(Qt::Key_3, Qt::AltModifier);
+  EXPECT_EQ(dialog.text(), QStringLiteral("def f():\n    # value = 1\n    # return value\n\nf()\n"));
+  press(Qt::Key_4, Qt::AltModifier);
+  EXPECT_EQ(dialog.text(), QStringLiteral("def f():\n    value = 1\n    return value\n\nf()\n"));
+
+  EXPECT_TRUE(editor()->goToLine(4));
+  EXPECT_EQ(editor()->textCursor().blockNumber(), 3);
+  EXPECT_FALSE(editor()->goToLine(99));
+  QTest::keyClick(editor(), Qt::Key_Return);
+  EXPECT_EQ(editor()->getBreakpoints(), std::set<int>{5});
+}
