@@ -710,6 +710,41 @@ int dialog(ZutHost& host, const QStringList& arguments, bool json)
   }
 }
 
+void printOutUtf8(const char* line)
+{
+  printOut(QString::fromUtf8(line));
+}
+void printErrUtf8(const char* line)
+{
+  printErr(QString::fromUtf8(line));
+}
+
+// The module's updater over the named files or the whole script database.
+int updateScripts(ZutHost& host, const QStringList& arguments, bool)
+{
+  bool dry_run = false;
+  QList<QByteArray> files;
+  for (const QString& argument : arguments) {
+    if (argument == QLatin1String("--dry-run"))
+      dry_run = true;
+    else if (argument.startsWith(QLatin1Char('-')))
+      return usage("update-scripts", QStringLiteral("unknown option '%1'").arg(argument));
+    else
+      files << argument.toLocal8Bit();
+  }
+  using Update = int (*)(const char* const*, int, int, void (*)(const char*), void (*)(const char*));
+  const auto update = reinterpret_cast<Update>(host.module()->resolve("UpdateScripts"));
+  if (!update) {
+    printErr(QStringLiteral("zut update-scripts: the scripting module cannot update scripts\n"));
+    return EXIT_FAILED;
+  }
+  std::vector<const char*> names;
+  for (const QByteArray& file : files)
+    names.push_back(file.constData());
+  const int status = update(names.data(), int(names.size()), dry_run ? 1 : 0, printOutUtf8, printErrUtf8);
+  return status == 0 ? EXIT_OK : EXIT_FAILED;
+}
+
 const SubCommand SUB_COMMANDS[] = {
     {"run", "FILE.py [-p NAME=VALUE]... [--answers A.json] [--record-answers A.json] [ARGS...] [-- ARGS...]",
      "Runs a Python script file through the command sys.execute_script, as python3 runs it: as the\n"
@@ -760,6 +795,15 @@ const SubCommand SUB_COMMANDS[] = {
      "value, enabled). --templates lists the dialog templates to start from; --template NAME uses one\n"
      "instead of a file.",
      true, dialog},
+    {"update-scripts", "[--dry-run] [FILE.py...]",
+     "Brings scripts up to date with the commands: calls of a command's older names, and older\n"
+     "argument names, are rewritten to the current ones (commands and database scripts say which\n"
+     "names they replace). Without files, every script of the database's public and user levels.\n"
+     "Prints each change as FILE:LINE: OLD -> NEW and writes it unless --dry-run; the original is\n"
+     "first kept as FILE.py.bak (never replacing an earlier backup) while the configuration item\n"
+     "MSysScript/UpdateScriptDialog/Backup is set. A script that cannot be read or written is\n"
+     "reported with its error code and left as it was; the exit status is then 1.",
+     true, updateScripts},
     {"config", "[KEY [VALUE]] [--json]",
      "Lists the configuration items, prints one, or sets one. A value is checked against the\n"
      "item's type and range and saved at once.",

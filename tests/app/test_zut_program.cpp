@@ -387,6 +387,56 @@ TEST_F(ZutProgram, ScriptsWhoseCommandNamesCollideAreListedUnderNamesOfTheirOwn)
   EXPECT_EQ(zut({QStringLiteral("call"), QStringLiteral("userscript.my_tools.x_3")}).out, QStringLiteral("my-tools\n"));
 }
 
+TEST_F(ZutProgram, UpdateScriptsRewritesCallsOfReplacedNamesAndLeavesUnreadableScriptsAlone)
+{
+  const QString scripts = home.filePath(QStringLiteral("data/zut/scripts"));
+  QDir().mkpath(scripts + QStringLiteral("/tools"));
+  writeFile(scripts + QStringLiteral("/tools/renamed.py"), "print('renamed', PARAMETERS['n'])\n");
+  writeFile(scripts + QStringLiteral("/tools/renamed.meta.json"), R"({"replaces": ["userscript.old_name"]})");
+  const QByteArray caller =
+      "import zut\n"
+      "# zut.script.userscript.old_name() stays in a comment\n"
+      "zut.script.userscript.old_name(parameters={'n': 1})\n";
+  const QByteArray damaged = "zut.script.userscript.old_name()\nx = '\xff'\n";
+  writeFile(scripts + QStringLiteral("/caller.py"), caller);
+  writeFile(scripts + QStringLiteral("/damaged.py"), damaged);
+  const QString caller_path = QDir(scripts).filePath(QStringLiteral("caller.py"));
+  const QString damaged_path = QDir(scripts).filePath(QStringLiteral("damaged.py"));
+  const QString change = QStringLiteral("%1:3: userscript.old_name -> userscript.tools.renamed\n").arg(caller_path);
+  const QString refusal =
+      QStringLiteral("%1: MSysScriptErr-0002: Error loading script\nLine 2 is not UTF-8 text.\n").arg(damaged_path);
+
+  const Result dry = zut({QStringLiteral("update-scripts"), QStringLiteral("--dry-run")});
+  EXPECT_EQ(dry.status, 1);
+  EXPECT_EQ(dry.out, change);
+  EXPECT_EQ(dry.err, refusal);
+  EXPECT_EQ(readFile(caller_path), caller);
+  EXPECT_EQ(readFile(damaged_path), damaged);
+  EXPECT_FALSE(QFile::exists(caller_path + QStringLiteral(".bak")));
+
+  const Result update = zut({QStringLiteral("update-scripts")});
+  EXPECT_EQ(update.status, 1);
+  EXPECT_EQ(update.out, change);
+  EXPECT_EQ(readFile(caller_path), QByteArray("import zut\n"
+                                              "# zut.script.userscript.old_name() stays in a comment\n"
+                                              "zut.script.userscript.tools.renamed(parameters={'n': 1})\n"));
+  EXPECT_EQ(readFile(caller_path + QStringLiteral(".bak")), caller);
+  EXPECT_EQ(readFile(damaged_path), damaged);
+  const Result run = zut({QStringLiteral("call"), QStringLiteral("userscript.caller")});
+  EXPECT_EQ(run.out, QStringLiteral("renamed 1\n")) << qPrintable(run.err);
+
+  // Named files only; without the backup setting no backup is kept, and nothing to do is no fault.
+  const QString loose = file("loose.py", "zut.interactive.userscript.old_name()\n");
+  const QString backup_key = QStringLiteral("MSysScript/UpdateScriptDialog/Backup");
+  ASSERT_EQ(zut({QStringLiteral("config"), backup_key, QStringLiteral("false")}).status, 0);
+  const Result named = zut({QStringLiteral("update-scripts"), loose, caller_path});
+  EXPECT_EQ(named.status, 0) << qPrintable(named.err);
+  EXPECT_EQ(named.out, QStringLiteral("%1:1: userscript.old_name -> userscript.tools.renamed\n").arg(loose));
+  EXPECT_EQ(readFile(loose), QByteArray("zut.interactive.userscript.tools.renamed()\n"));
+  EXPECT_FALSE(QFile::exists(loose + QStringLiteral(".bak")));
+  EXPECT_EQ(zut({QStringLiteral("update-scripts"), home.filePath(QStringLiteral("missing.py"))}).status, 1);
+}
+
 TEST_F(ZutProgram, EditorToolsPrintBlocksColoursAndPictures)
 {
   const QString reference =

@@ -83,7 +83,7 @@ void ImportScriptArchiveCommand::execute(const GApp::CommandParameters& paramete
   QStringList existing;
   for (const ArchivedScript& entry : archived) {
     scripts.push_back({entry.file_name, entry.code, entry.metadata.display_name, entry.metadata.show_in_menu,
-                       entry.metadata.icon, entry.icon});
+                       entry.metadata.icon, entry.icon, entry.metadata.replaces});
     const GScript::Script* script = database->getScript(entry.file_name);
     if (script && script->getConfigLevel() == GScript::LEVEL_USER)
       existing << entry.file_name;

@@ -146,6 +146,7 @@ bool writeScripts(GScript::ScriptDatabase& database, int level, const std::vecto
     metadata.display_name = script.display_name;
     metadata.show_in_menu = script.show_in_menu;
     metadata.icon = script.icon_name;
+    metadata.replaces = script.replaces;
     if (database.writeScript(level, script.file_name, script.code, metadata, log, script.icon))
       continue;
     // Take back this step's writes: earlier texts return, new files go.

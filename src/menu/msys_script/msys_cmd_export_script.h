@@ -27,6 +27,7 @@ struct ScriptToWrite
   bool show_in_menu = true;
   QString icon_name;
   QByteArray icon;
+  QStringList replaces;
 };
 bool writeScripts(GScript::ScriptDatabase& database, int level, const std::vector<ScriptToWrite>& scripts,
                   bool replace_existing, ErrorLog& log);

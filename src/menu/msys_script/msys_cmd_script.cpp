@@ -79,6 +79,7 @@ void ScriptCommand::updateFromScript(const GScript::Script& script)
   _script_file_name = script.getFileName();
   _qualified_name = script.getQualifiedName();
   _show_in_menu = script.getShowInMenu();
+  getMetaInfo().setReplaces(script.getMetadata().replaces);
   // The level shows in the title only for scripts with an icon of their own.
   QString pattern = translate("MSysScript_MenuHandler_other", "%1 (script)", "id=10047");
   if (const QPixmap* pixmap = script.getPixmap()) {

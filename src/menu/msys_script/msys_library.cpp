@@ -36,6 +36,7 @@
 #include "menu/msys_script/msys_python_script_creator.h"
 #include "menu/msys_script/msys_python_script_database.h"
 #include "menu/msys_script/msys_script_menu_provider.h"
+#include "menu/msys_script/msys_script_update.h"
 
 namespace Vel::MSysScript {
 namespace {
@@ -301,6 +302,35 @@ char* DialogTemplates(const char* name, int* faulty)
     result = qstrdup(output.toUtf8().constData());
   });
   return result;
+}
+
+int UpdateScripts(const char* const* files, int count, int dry_run, void (*out)(const char*), void (*err)(const char*))
+{
+  int status = -1;
+  guarded("UpdateScripts", [&] {
+    QStringList paths;
+    for (int i = 0; i < count; ++i)
+      paths << QString::fromLocal8Bit(files[i]);
+    const auto say = [](void (*stream)(const char*), const QString& line) {
+      stream((line + QLatin1Char('\n')).toUtf8().constData());
+    };
+    status = 0;
+    for (const FileUpdate& update : updateScripts(paths, dry_run != 0, backupWanted(), UpdateRules::fromCommands())) {
+      for (const ScriptChange& change : update.changes)
+        say(out,
+            QStringLiteral("%1:%2: %3 -> %4").arg(update.file).arg(change.line).arg(change.old_text, change.new_text));
+      for (const QString& problem : update.problems)
+        say(err, QStringLiteral("%1: warning: %2").arg(update.file, problem));
+      if (!update.backup.isEmpty())
+        say(err, QStringLiteral("%1: the original is kept as %2").arg(update.file, update.backup));
+      if (!update.error_code.isEmpty()) {
+        status = 1;
+        say(err,
+            QStringLiteral("%1: %2").arg(update.file, GApp::CommandError(update.error_code, update.log).getText()));
+      }
+    }
+  });
+  return status;
 }
 
 void FreeAnalysis(char* analysis)

@@ -47,5 +47,11 @@ VEL_EXPORT char* DescribeDialog(const char* text, const char* screenshot, int js
 // For the program: the dialog templates, one "NAME<TAB>ORIGIN<TAB>PATH" a line, or the text
 // of the template `name` when one is given. Sets `faulty` and returns the fault's text instead.
 VEL_EXPORT char* DialogTemplates(const char* name, int* faulty);
+// For the program: brings the calls of older command and argument names up to date in the
+// `count` files (none: the script database), writing unless `dry_run`. Each change goes to `out`
+// as "FILE:LINE: OLD -> NEW", each fault and warning to `err`. Returns 0 when nothing failed, 1
+// when a script could not be read or written (it is left as it was), -1 after a program error.
+VEL_EXPORT int UpdateScripts(const char* const* files, int count, int dry_run, void (*out)(const char*),
+                             void (*err)(const char*));
 }
 }  // namespace Vel::MSysScript

@@ -44,6 +44,8 @@ QByteArray ScriptArchive::write(const std::vector<ArchivedScript>& scripts)
                       {QStringLiteral("display_name"), script.metadata.display_name},
                       {QStringLiteral("show_in_menu"), script.metadata.show_in_menu},
                       {QStringLiteral("icon_name"), script.metadata.icon}};
+    if (!script.metadata.replaces.isEmpty())
+      entry.insert(QStringLiteral("replaces"), QJsonArray::fromStringList(script.metadata.replaces));
     if (!script.icon.isEmpty()) {
       entry.insert(QStringLiteral("icon"), QString::fromLatin1(script.icon.toBase64()));
       entry.insert(QStringLiteral("icon_sha256"), sha256(script.icon));
@@ -83,6 +85,9 @@ bool ScriptArchive::read(const QByteArray& bytes, std::vector<ArchivedScript>& s
     script.metadata.display_name = entry.value(QStringLiteral("display_name")).toString();
     script.metadata.show_in_menu = entry.value(QStringLiteral("show_in_menu")).toBool(true);
     script.metadata.icon = entry.value(QStringLiteral("icon_name")).toString();
+    for (const QJsonValue& name : entry.value(QStringLiteral("replaces")).toArray())
+      if (name.isString())
+        script.metadata.replaces << name.toString();
     const bool has_icon = entry.contains(QStringLiteral("icon"));
     // Names are checked before anything is written: one that the file system would cut short
     // (a NUL) or the database would never list (a leading dot) refuses the whole archive.

@@ -104,12 +104,21 @@ public:
 
   // Key under which the argument table is kept.
   static constexpr int KEY_ARGUMENT_TYPES = 700;
+  // Older names of the command (QStringList): scripts that call them are brought up to date.
+  static constexpr int KEY_REPLACES = 701;
+  // Older argument names, each with the name that replaced it (QVariantMap).
+  static constexpr int KEY_RENAMED_ARGUMENTS = 702;
 
   void setValue(int key, const QVariant& value) { _values[key] = value; }
   QVariant getValue(int key) const { return _values.value(key); }
 
   void setArgumentTypes(const ArgumentTypes& arguments);
   ArgumentTypes getArgumentTypes() const;
+
+  void setReplaces(const QStringList& older_names) { setValue(KEY_REPLACES, older_names); }
+  QStringList getReplaces() const { return getValue(KEY_REPLACES).toStringList(); }
+  void setRenamedArguments(const QVariantMap& older_to_newer) { setValue(KEY_RENAMED_ARGUMENTS, older_to_newer); }
+  QVariantMap getRenamedArguments() const { return getValue(KEY_RENAMED_ARGUMENTS).toMap(); }
 
   // needs_main_window: only runs with the GUI up; undoable: the run can be undone; scriptable:
   // scripts may call the command through zut.script.

@@ -5,6 +5,7 @@
 #include <QDirIterator>
 #include <QFile>
 #include <QFileInfo>
+#include <QJsonArray>
 #include <QJsonDocument>
 #include <QJsonObject>
 #include <QSaveFile>
@@ -44,6 +45,9 @@ ScriptMetadata readMetadata(const QString& script_path, ErrorLog& log)
   metadata.display_name = object.value(QStringLiteral("display_name")).toString();
   metadata.show_in_menu = object.value(QStringLiteral("show_in_menu")).toBool(true);
   metadata.icon = object.value(QStringLiteral("icon")).toString();
+  for (const QJsonValue& name : object.value(QStringLiteral("replaces")).toArray())
+    if (name.isString())
+      metadata.replaces << name.toString();
   return metadata;
 }
 
@@ -55,6 +59,8 @@ QByteArray metadataJson(const ScriptMetadata& metadata)
   object.insert(QStringLiteral("show_in_menu"), metadata.show_in_menu);
   if (!metadata.icon.isEmpty())
     object.insert(QStringLiteral("icon"), metadata.icon);
+  if (!metadata.replaces.isEmpty())
+    object.insert(QStringLiteral("replaces"), QJsonArray::fromStringList(metadata.replaces));
   return QJsonDocument(object).toJson();
 }
 

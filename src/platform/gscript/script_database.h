@@ -31,8 +31,11 @@ struct VEL_EXPORT ScriptMetadata
   QString display_name;  // empty: the script's base name
   bool show_in_menu = true;
   QString icon;  // image file, relative to the script's folder; empty: none
+  // Commands the script's command replaces ("userscript.old_name"): a script that was renamed or
+  // moved names its former commands, and updating scripts makes their callers call it.
+  QStringList replaces;
 
-  bool isDefault() const { return display_name.isEmpty() && show_in_menu && icon.isEmpty(); }
+  bool isDefault() const { return display_name.isEmpty() && show_in_menu && icon.isEmpty() && replaces.isEmpty(); }
 };
 
 class VEL_EXPORT Script

@@ -182,7 +182,7 @@ TEST_P(ArchiveBadEntry, RefusesTheWholeArchiveBeforeWritingAnything)
   // The same names are refused when scripts are written one by one.
   DatabaseLock database;
   ErrorLog log;
-  ScriptToWrite single{c.file_name, "print('bad')\n", QString(), true, c.icon_name, scripts[1].icon};
+  ScriptToWrite single{c.file_name, "print('bad')\n", QString(), true, c.icon_name, scripts[1].icon, {}};
   EXPECT_FALSE(writeScripts(*database.get(), GScript::LEVEL_USER, {single}, true, log));
   EXPECT_TRUE(snapshot(user).empty());
 }
@@ -317,6 +317,7 @@ TEST(ScriptArchiveFormat, KeepsEveryByteAndRejectsDuplicates)
   scripts[1].file_name = QStringLiteral("b/c.py");
   scripts[1].metadata.display_name = QStringLiteral("C");
   scripts[1].metadata.icon = QStringLiteral("c.png");
+  scripts[1].metadata.replaces = QStringList{QStringLiteral("userscript.old_c")};
   scripts[1].icon = "png";
   std::vector<ArchivedScript> back;
   ErrorLog log;
@@ -325,6 +326,7 @@ TEST(ScriptArchiveFormat, KeepsEveryByteAndRejectsDuplicates)
   EXPECT_EQ(back[0].code, scripts[0].code);
   EXPECT_EQ(back[1].icon, scripts[1].icon);
   EXPECT_EQ(back[1].metadata.display_name, QStringLiteral("C"));
+  EXPECT_EQ(back[1].metadata.replaces, scripts[1].metadata.replaces);
 
   scripts[1].file_name = scripts[0].file_name;
   EXPECT_FALSE(ScriptArchive::read(ScriptArchive::write(scripts), back, log));

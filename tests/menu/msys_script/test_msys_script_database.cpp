@@ -195,6 +195,26 @@ TEST_F(ScriptDatabaseTest, HigherLevelsHideLowerOnesAndMetadataIsRead)
   EXPECT_EQ(database->getFolder(QStringLiteral("tools"))->getConfigLevel(), GScript::LEVEL_PUBLIC);
 }
 
+TEST_F(ScriptDatabaseTest, ReplacedCommandNamesAreWrittenReadAndReachTheScriptCommand)
+{
+  GScript::ScriptMetadata metadata;
+  metadata.replaces = QStringList{QStringLiteral("userscript.old_name"), QStringLiteral("userscript.older")};
+  ErrorLog log;
+  {
+    DatabaseLock database;
+    ASSERT_TRUE(
+        database->writeScript(GScript::LEVEL_USER, QStringLiteral("tools/new_name.py"), "pass\n", metadata, log))
+        << qPrintable(log.getText());
+  }
+  refresh();
+  DatabaseLock database;
+  EXPECT_EQ(database->getScript(QStringLiteral("tools/new_name.py"))->getMetadata().replaces, metadata.replaces);
+  const GApp::Command* command =
+      GApp::CommandContainer::getInstance().getCommand(QStringLiteral("userscript.tools.new_name"));
+  ASSERT_TRUE(command);
+  EXPECT_EQ(command->getMetaInfo().getReplaces(), metadata.replaces);
+}
+
 TEST_F(ScriptDatabaseTest, DamagedMetadataIsReportedOnceAndLeftAsItIs)
 {
   add(GScript::LEVEL_USER, QStringLiteral("a.py"), "pass\n");
