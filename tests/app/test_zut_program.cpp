@@ -404,7 +404,10 @@ TEST_F(ZutProgram, UpdateScriptsRewritesCallsOfReplacedNamesAndLeavesUnreadableS
   const QString damaged_path = QDir(scripts).filePath(QStringLiteral("damaged.py"));
   const QString change = QStringLiteral("%1:3: userscript.old_name -> userscript.tools.renamed\n").arg(caller_path);
   const QString refusal =
-      QStringLiteral("%1: MSysScriptErr-0002: Error loading script\nLine 2 is not UTF-8 text.\n").arg(damaged_path);
+      QStringLiteral("%1: MSysScriptErr-0002: Error loading script\n%1: line 2 is not valid UTF-8, and the file "
+                     "declares no other encoding (a first line such as '# -*- coding: latin-1 -*-' names the "
+                     "encoding it is written in).\n")
+          .arg(damaged_path);
 
   const Result dry = zut({QStringLiteral("update-scripts"), QStringLiteral("--dry-run")});
   EXPECT_EQ(dry.status, 1);

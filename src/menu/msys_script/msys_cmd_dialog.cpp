@@ -1,6 +1,5 @@
 #include "menu/msys_script/msys_cmd_dialog.h"
 
-#include "menu/msys_script/msys_dialog_answers.h"
 #include "menu/msys_script/msys_dialog_handles.h"
 #include "menu/msys_script/msys_dlg_user_defined.h"
 #include "menu/msys_script/msys_error_codes.h"
@@ -139,21 +138,6 @@ void OpenDialogCommand::execute(const GApp::CommandParameters& parameters)
   // A closed modeless dialog leaves the map; nothing else holds it.
   QObject::connect(dialog, &UserDefinedDialog::signalClosed, dialog, &QObject::deleteLater, Qt::UniqueConnection);
   dialog->openModeless();
-}
-
-AnswerDialogsCommand::AnswerDialogsCommand()
-    : MSysCommand(QStringLiteral("sys.answer_user_defined_dialogs"),
-                  {"MSysScript_cmd", "Answer User-Defined Dialogs", "id=28570"},
-                  {{QStringLiteral("answers"), Meta::TYPE_LIST,
-                    QStringLiteral("one dictionary per dialog, in the order they appear: \"title\" (optional, must "
-                                   "match), \"values\" by element name, \"button\" (default: the accepting one)"),
-                    true}})
-{}
-
-void AnswerDialogsCommand::execute(const GApp::CommandParameters& parameters)
-{
-  const QVariantList answers = getArgument<QVariantList>(parameters, QStringLiteral("answers"));
-  DialogAnswers::loadList(QJsonArray::fromVariantList(answers), getName());
 }
 
 CloseDialogCommand::CloseDialogCommand()

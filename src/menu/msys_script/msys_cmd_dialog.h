@@ -48,15 +48,6 @@ public:
   void execute(const GApp::CommandParameters& parameters) override;
 };
 
-// "sys.answer_user_defined_dialogs": the dialogs that follow are answered from the list, as a
-// recording of a person's answers replays them.
-class AnswerDialogsCommand : public MSysCommand
-{
-public:
-  AnswerDialogsCommand();
-  void execute(const GApp::CommandParameters& parameters) override;
-};
-
 class CloseDialogCommand : public MSysCommand
 {
 public:

@@ -133,6 +133,8 @@ private:
   void resumeWith(void (GScript::Debugger::*how)());
   void showFrame(int row);
   void evaluateConsole();
+  // Older command and argument names in the text become the current ones, as one undo step.
+  void updateReplacedNames();
   void updateActions();
   void setStatus(const QString& text);
   void insertRecorded(const QStringList& lines);

@@ -28,7 +28,9 @@
 #include "gscript/safe_points.h"
 #include "gtools/error_dialog.h"
 #include "menu/msys_script/msys_error_codes.h"
+#include "menu/msys_script/msys_dlg_command_parameters.h"
 #include "menu/msys_script/msys_dlg_script_editor.h"
+#include "menu/msys_script/msys_script_update.h"
 #include "menu/msys_script/msys_dlg_user_defined.h"
 
 namespace Vel::MSysScript {
@@ -167,7 +169,14 @@ void ScriptEditorDialog::createActions()
         {"comment", "Comment Lines", QKeySequence(Qt::ALT | Qt::Key_3), [this] { _editor->commentLines(true); },
          false},
         {"uncomment", "Uncomment Lines", QKeySequence(Qt::ALT | Qt::Key_4),
-         [this] { _editor->commentLines(false); }, false}}},
+         [this] { _editor->commentLines(false); }, false},
+        {"command_parameters", "Command Parameters...", QKeySequence(Qt::CTRL | Qt::Key_E),
+         [this] {
+           ErrorLog log;
+           editCommandParameters(_editor, _editor->textCursor().blockNumber(), this, log);
+         },
+         false},
+        {"update_names", "Update Replaced Names", QKeySequence(), [this] { updateReplacedNames(); }, false}}},
       {QStringLiteral("&Debug"),
        {{"run", "Run", QKeySequence(Qt::Key_F5),
          [this] {
@@ -454,6 +463,25 @@ void ScriptEditorDialog::showFrame(int row)
   variableGroup(_variables_view, QStringLiteral("Globals"), globals)->setExpanded(locals == globals);
   if (_frames[frame].file == runName())
     _editor->goToLine(_frames[frame].line);
+}
+
+void ScriptEditorDialog::updateReplacedNames()
+{
+  const ScriptUpdate update = updateScriptText(text(), UpdateRules::fromCommands());
+  QStringList report;
+  for (const ScriptChange& change : update.changes)
+    report << QStringLiteral("line %1: %2 -> %3").arg(change.line).arg(change.old_text, change.new_text);
+  report << update.problems;
+  _output->setPlainText(report.join(QLatin1Char('\n')));
+  if (update.changes.isEmpty()) {
+    setStatus(QStringLiteral("No replaced command or argument names to update."));
+    return;
+  }
+  // One step to undo.
+  QTextCursor cursor(_editor->document());
+  cursor.select(QTextCursor::Document);
+  cursor.insertText(update.text);
+  setStatus(QStringLiteral("%1 names updated; the output lists them.").arg(update.changes.size()));
 }
 
 void ScriptEditorDialog::evaluateConsole()

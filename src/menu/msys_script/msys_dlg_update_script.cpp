@@ -1,5 +1,6 @@
 #include "menu/msys_script/msys_dlg_update_script.h"
 
+
 #include <QDialogButtonBox>
 #include <QFileInfo>
 #include <QFontDatabase>
@@ -62,7 +63,7 @@ UpdateScriptDialog::UpdateScriptDialog(const QString& path, QWidget* parent) : Q
 {
   QString original;
   ErrorLog log;
-  if (!readScriptFile(path, original, _encoding, log))
+  if (!readScriptFile(path, original, _format, log))
     failCommand(ERR_LOAD_SCRIPT, log);
   _update = updateScriptText(original, UpdateRules::fromCommands());
 
@@ -135,7 +136,7 @@ void UpdateScriptDialog::accept()
 {
   if (!_update.changes.isEmpty()) {
     ErrorLog log;
-    if (!writeUpdatedScript(_path, encodeScript(_update.text, _encoding), backupWanted(), &_backup, log)) {
+    if (!writeUpdatedScript(_path, _update.text, _format, backupWanted(), &_backup, log)) {
       GTools::ErrorDialog(QString::fromLatin1(ERR_SAVE_SCRIPT), log.getText());
       return;
     }

@@ -4,6 +4,7 @@
 #include <QString>
 
 #include "menu/msys_script/msys_cmd_base.h"
+#include "menu/msys_script/msys_dlg_script_editor.h"
 #include "menu/msys_script/msys_script_update.h"
 
 class QPlainTextEdit;
@@ -35,7 +36,7 @@ public:
 
 private:
   QString _path;
-  QString _encoding;
+  ScriptFileFormat _format;
   ScriptUpdate _update;
   QString _backup;
   QPlainTextEdit* _original_view = nullptr;

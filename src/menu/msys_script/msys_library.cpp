@@ -13,6 +13,7 @@
 #include "core/translate.h"
 #include "gapp/app_status_manager.h"
 #include "gscript/script_database.h"
+#include "gscript/gui_handler.h"
 #include "menu/msys_script/msys_cmd_base.h"
 #include "menu/msys_script/msys_cmd_delay.h"
 #include "menu/msys_script/msys_cmd_dialog.h"
@@ -74,7 +75,6 @@ void createCommands()
   new ShowDialogCommand;
   new OpenDialogCommand;
   new CloseDialogCommand;
-  new AnswerDialogsCommand;
 }
 
 }  // namespace
@@ -114,6 +114,9 @@ void InitDefaults()
       squish_proxy->setObjectName(QStringLiteral("SquishProxy"));
     }
     DialogRegistry::initialize();
+    GScript::setDialogAnswersHandler([](const QVariantList& answers) {
+      DialogAnswers::loadList(QJsonArray::fromVariantList(answers), QStringLiteral("zut.answer_dialogs()"));
+    });
   });
 }
 
@@ -121,6 +124,7 @@ void CloseDefaults()
 {
   guarded("CloseDefaults", [] {
     ScriptSpecialMenuProvider::deinitialize();
+    GScript::setDialogAnswersHandler(nullptr);
     GApp::AppStatusManager::unregisterExitNotifier(&ExitNotifier::getInstance());
   });
 }

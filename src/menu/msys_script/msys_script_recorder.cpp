@@ -1,35 +1,21 @@
 #include "menu/msys_script/msys_script_recorder.h"
 
-#include <pybind11/embed.h>
-
 #include <algorithm>
 
 #include "gapp/trait.h"
-#include "gscript/python_interpreter.h"
-#include "gscript/python_values.h"
 #include "menu/msys_script/msys_dialog_answers.h"
-
-namespace py = pybind11;
+#include "menu/msys_script/msys_parameter_map.h"
 
 namespace Vel::MSysScript {
 namespace {
 
-const QString ANSWER_COMMAND = QStringLiteral("sys.answer_user_defined_dialogs");
-
-// The Python text of a value, only where the text reads back as the same value: a handle or an
-// object that has no literal form cannot be recorded.
+// The Python text of a value; false for a value that has none (a handle, an object).
 bool literal(const QVariant& value, QString& text)
 {
-  GScript::PythonInterpreter::initialize();
   try {
-    const py::object object = GScript::fromVariant(value);
-    const py::str written = py::repr(object);
-    const py::object again = py::module_::import("ast").attr("literal_eval")(written);
-    if (!again.equal(object))
-      return false;
-    text = QString::fromStdString(written.cast<std::string>());
+    text = writeLiteral(value);
     return true;
-  } catch (const py::error_already_set&) {
+  } catch (const GApp::CommandError&) {
     return false;
   }
 }
@@ -72,7 +58,7 @@ void ScriptRecorder::commandRun(const GApp::Command& command, const GApp::Comman
                  .arg(command.getName()));
       return;
     }
-    lines << QStringLiteral("zut.script.%1(answers=%2)").arg(ANSWER_COMMAND, answers);
+    lines << QStringLiteral("zut.answer_dialogs(%1)").arg(answers);
     _answers = QJsonArray();
   }
   if (!callLine(command, parameters, line, error)) {

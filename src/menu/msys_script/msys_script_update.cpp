@@ -5,7 +5,6 @@
 #include <QFileInfo>
 #include <QRegularExpression>
 #include <QSaveFile>
-#include <QStringConverter>
 
 #include <algorithm>
 #include <set>
@@ -15,6 +14,7 @@
 #include "gapp/command_container.h"
 #include "gscript/script_database.h"
 #include "menu/msys_script/msys_config.h"
+#include "menu/msys_script/msys_dlg_script_editor.h"
 #include "menu/msys_script/msys_error_codes.h"
 #include "menu/msys_script/msys_parameter_map.h"
 #include "menu/msys_script/msys_python_script_database.h"
@@ -42,21 +42,6 @@ QString nameAt(const QString& text, int start, int& name_begin)
   const QRegularExpressionMatch match = pattern.match(text, start);
   name_begin = int(match.capturedStart(1));
   return match.captured(1);
-}
-
-// The encoding a coding line among the first two declares, as Python finds it; empty for none.
-QString declaredEncoding(const QByteArray& bytes)
-{
-  static const QRegularExpression coding(QStringLiteral("^[ \\t\\f]*#.*?coding[:=][ \\t]*([-\\w.]+)"));
-  const QList<QByteArray> lines = bytes.left(4096).split('\n').mid(0, 2);
-  for (const QByteArray& line : lines) {
-    const QRegularExpressionMatch match = coding.match(QString::fromLatin1(line));
-    if (match.hasMatch())
-      return match.captured(1).toLower();
-    if (!line.trimmed().isEmpty() && !line.trimmed().startsWith('#'))
-      break;
-  }
-  return QString();
 }
 
 }  // namespace
@@ -157,47 +142,29 @@ ScriptUpdate updateScriptText(const QString& text, const UpdateRules& rules)
   return update;
 }
 
-bool decodeScript(const QByteArray& bytes, QString& text, QString& encoding, ErrorLog& log)
-{
-  encoding = declaredEncoding(bytes);
-  if (encoding.isEmpty() || encoding == QLatin1String("utf8") || encoding.startsWith(QLatin1String("utf-8")))
-    encoding = QStringLiteral("utf-8");
-  else if (encoding == QLatin1String("latin-1") || encoding == QLatin1String("iso-8859-1") ||
-           encoding == QLatin1String("latin1") || encoding.startsWith(QLatin1String("iso-8859-1-")))
-    encoding = QStringLiteral("latin1");
-  // A byte order mark stays in the text, so that writing the text back keeps it.
-  QStringDecoder decoder(encoding.toLatin1().constData(), QStringConverter::Flag::ConvertInitialBom);
-  if (!decoder.isValid()) {
-    log.addLine(
-        QStringLiteral("The script declares the encoding '%1', which scripts cannot be updated in.").arg(encoding));
-    return false;
-  }
-  text = decoder.decode(bytes);
-  if (!decoder.hasError())
-    return true;
-  const int line = lineOf(text, int(text.indexOf(QChar::ReplacementCharacter)));
-  log.addLine(QStringLiteral("Line %1 is not %2 text.").arg(line).arg(encoding.toUpper()));
-  return false;
-}
-
-QByteArray encodeScript(const QString& text, const QString& encoding)
-{
-  QStringEncoder encoder(encoding.toLatin1().constData(), QStringConverter::Flag::Stateless);
-  return encoder.encode(text);
-}
-
-bool readScriptFile(const QString& path, QString& text, QString& encoding, ErrorLog& log)
+bool readScriptFile(const QString& path, QString& text, ScriptFileFormat& format, ErrorLog& log)
 {
   QFile file(path);
   if (!file.open(QIODevice::ReadOnly)) {
     log.addLine(QStringLiteral("%1: %2").arg(QDir::toNativeSeparators(path), file.errorString()));
     return false;
   }
-  return decodeScript(file.readAll(), text, encoding, log);
+  QString error;
+  if (ScriptFileFormat::decode(file.readAll(), text, format, error))
+    return true;
+  log.addLine(QStringLiteral("%1: %2.").arg(QDir::toNativeSeparators(path), error));
+  return false;
 }
 
-bool writeUpdatedScript(const QString& path, const QByteArray& bytes, bool backup, QString* backup_path, ErrorLog& log)
+bool writeUpdatedScript(const QString& path, const QString& text, const ScriptFileFormat& format, bool backup,
+                        QString* backup_path, ErrorLog& log)
 {
+  QByteArray bytes;
+  QString error;
+  if (!format.encode(text, bytes, error)) {
+    log.addLine(QStringLiteral("%1: %2.").arg(QDir::toNativeSeparators(path), error));
+    return false;
+  }
   if (backup) {
     QString target = path + QStringLiteral(".bak");
     for (int number = 2; QFileInfo::exists(target); ++number)
@@ -239,15 +206,15 @@ std::vector<FileUpdate> updateScripts(const QStringList& files, bool dry_run, bo
     FileUpdate result;
     result.file = path;
     QString text;
-    QString encoding;
-    if (!readScriptFile(path, text, encoding, result.log)) {
+    ScriptFileFormat format;
+    if (!readScriptFile(path, text, format, result.log)) {
       result.error_code = QString::fromLatin1(ERR_LOAD_SCRIPT);
     } else {
       const ScriptUpdate update = updateScriptText(text, rules);
       result.changes = update.changes;
       result.problems = update.problems;
       if (!dry_run && update.text != text &&
-          !writeUpdatedScript(path, encodeScript(update.text, encoding), backup, &result.backup, result.log))
+          !writeUpdatedScript(path, update.text, format, backup, &result.backup, result.log))
         result.error_code = QString::fromLatin1(ERR_SAVE_SCRIPT);
     }
     results.push_back(result);

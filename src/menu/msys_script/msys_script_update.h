@@ -13,6 +13,8 @@
 
 namespace Vel::MSysScript {
 
+struct ScriptFileFormat;
+
 // One name a script update replaced: "old.command -> new.command", or for an argument
 // "command(old=) -> command(new=)". Lines count from 1.
 struct ScriptChange
@@ -57,18 +59,17 @@ struct ScriptUpdate
 // their current form. Only those names change; the rest of the text stays byte for byte.
 ScriptUpdate updateScriptText(const QString& text, const UpdateRules& rules);
 
-// A script file's bytes as text: UTF-8, or the encoding its coding line declares. False, with
-// the reason in `log`, for bytes that are not text in that encoding.
-bool decodeScript(const QByteArray& bytes, QString& text, QString& encoding, ErrorLog& log);
-QByteArray encodeScript(const QString& text, const QString& encoding);
-// Reads a script file and decodes it so; false with the reason in `log`.
-bool readScriptFile(const QString& path, QString& text, QString& encoding, ErrorLog& log);
+// Reads a script file as the editor does (its encoding, line endings and byte-order mark go to
+// `format`); false with the reason in `log`.
+bool readScriptFile(const QString& path, QString& text, ScriptFileFormat& format, ErrorLog& log);
 
-// Replaces the file at `path` by `bytes` (all or nothing). With `backup`, first copies the
-// original beside it as "NAME.py.bak" (or ".bak2", ".bak3", ...: an existing backup is never
-// replaced), whose path goes to `backup_path`. False, with the reason in `log`, when either write
-// fails; the original is then as it was.
-bool writeUpdatedScript(const QString& path, const QByteArray& bytes, bool backup, QString* backup_path, ErrorLog& log);
+// Replaces the file at `path` by `text` written in `format` (all or nothing). With `backup`,
+// first copies the original beside it as "NAME.py.bak" (or ".bak2", ".bak3", ...: an existing
+// backup is never replaced), whose path goes to `backup_path`. False, with the reason in `log`,
+// when the text cannot be written in the format or either write fails; the original is then as
+// it was.
+bool writeUpdatedScript(const QString& path, const QString& text, const ScriptFileFormat& format, bool backup,
+                        QString* backup_path, ErrorLog& log);
 
 // Whether updates keep a backup of the original ("MSysScript/UpdateScriptDialog/Backup").
 bool backupWanted();

@@ -10,6 +10,24 @@ GUIHandler* GUIHandler::getInstance()
   return &instance;
 }
 
+namespace {
+DialogAnswersHandler& answersHandler()
+{
+  static DialogAnswersHandler handler;
+  return handler;
+}
+}  // namespace
+
+void setDialogAnswersHandler(DialogAnswersHandler handler)
+{
+  answersHandler() = std::move(handler);
+}
+
+const DialogAnswersHandler& getDialogAnswersHandler()
+{
+  return answersHandler();
+}
+
 CursorDisabler::CursorDisabler()
 {
   if (!qobject_cast<QGuiApplication*>(QCoreApplication::instance()))

@@ -2,6 +2,9 @@
 
 #include <QCursor>
 #include <QList>
+#include <QVariantList>
+
+#include <functional>
 
 #include "core/vel_export.h"
 
@@ -21,6 +24,12 @@ private:
   GUIHandler() = default;
   bool _escape = false;
 };
+
+// Answers for the user-defined dialogs that follow, from `zut.answer_dialogs(list)` (a recorded
+// person's answers): the scripting module, which knows the dialogs, takes them.
+using DialogAnswersHandler = std::function<void(const QVariantList& answers)>;
+VEL_EXPORT void setDialogAnswersHandler(DialogAnswersHandler handler);
+VEL_EXPORT const DialogAnswersHandler& getDialogAnswersHandler();
 
 // Takes the application's busy cursor away while a script runs, so that the person can work with
 // the dialogs the script shows, and puts it back afterwards.

@@ -10,6 +10,7 @@
 #include "gapp/command.h"
 #include "gapp/command_container.h"
 #include "gapp/progress.h"
+#include "gscript/gui_handler.h"
 #include "gscript/import_handler.h"
 #include "gscript/python_values.h"
 #include "gscript/safe_points.h"
@@ -93,6 +94,22 @@ void progress(double done, double total, const std::string& text)
   if (!std::isfinite(done) || !std::isfinite(total) || total <= 0 || done < 0 || done > total)
     throw py::value_error("zut.progress() needs 0 <= done <= total and a finite total above 0");
   GApp::Progress::getInstance().report(done, total, QString::fromStdString(text));
+}
+
+// zut.answer_dialogs(answers): the user-defined dialogs that follow are answered from the list,
+// one dictionary per dialog ("title", "values", "button"), as a recording replays a person.
+void answerDialogs(const py::handle& answers)
+{
+  if (!py::isinstance<py::list>(answers) && !py::isinstance<py::tuple>(answers))
+    throw py::type_error("zut.answer_dialogs() takes a list of dictionaries, one per dialog");
+  const DialogAnswersHandler& handler = getDialogAnswersHandler();
+  if (!handler)
+    throw std::runtime_error("zut.answer_dialogs(): no user-defined dialogs here to answer");
+  try {
+    handler(toVariant(answers).toList());
+  } catch (const GApp::CommandError& error) {
+    raiseCommandError(error);
+  }
 }
 
 py::object call(const CommandNamespace& self, const py::args& args, const py::kwargs& kwargs)
@@ -304,6 +321,10 @@ PYBIND11_EMBEDDED_MODULE(zut, m)
   m.attr("interactive") = CommandNamespace{std::string(), true};
   m.def("progress", &Vel::GScript::progress, py::arg("done"), py::arg("total"), py::arg("text") = "",
         "Reports the script's progress: done of total, and what is being done.");
+  m.def("answer_dialogs", &Vel::GScript::answerDialogs, py::arg("answers"),
+        "Answers the user-defined dialogs that follow from a list of dictionaries, one per dialog in the "
+        "order they appear: 'title' (optional, must match), 'values' by element name, 'button' (default: "
+        "the accepting one).");
   m.def("_import_names", &Vel::GScript::importNames);
   m.def("_import_source", &Vel::GScript::importSource);
   py::exec(Vel::GScript::IMPORT_HOOK, m.attr("__dict__"));

@@ -331,10 +331,9 @@ TEST_F(EditorDebugging, RecordedCommandsRunAgainDoTheSame)
   const QStringList lines = dialog.text().split(QLatin1Char('\n'));
   ASSERT_EQ(lines.size(), 5) << qPrintable(dialog.text());
   EXPECT_EQ(lines[0], QStringLiteral("import zut"));
-  EXPECT_TRUE(lines[1].startsWith(QStringLiteral("zut.script.sys.execute_python_code(code=\"open("))) << qPrintable(lines[1]);
+  EXPECT_TRUE(lines[1].startsWith(QStringLiteral("zut.script.sys.execute_python_code(code="))) << qPrintable(lines[1]);
   EXPECT_FALSE(lines[1].contains(QStringLiteral("collect_stdout")));
-  EXPECT_EQ(lines[2], QStringLiteral("zut.script.sys.answer_user_defined_dialogs(answers=[{'title': 'Tip', 'values': "
-                                     "{'diameter': 2.5}}])"));
+  EXPECT_EQ(lines[2], QStringLiteral("zut.answer_dialogs([{'title': 'Tip', 'values': {'diameter': 2.5}}])"));
   EXPECT_TRUE(lines[3].startsWith(QStringLiteral("zut.script.sys.execute_script(file="))) << qPrintable(lines[3]);
 
   ASSERT_TRUE(QFile::remove(log));

@@ -82,30 +82,15 @@ INSTANTIATE_TEST_SUITE_P(
                    {{1, "old.cmd", "new.cmd"}},
                    1}));
 
-TEST(ScriptUpdateFiles, EncodingByteOrderMarkAndBackupsSurvive)
+TEST(ScriptUpdateFiles, AnEarlierBackupIsNeverReplaced)
 {
-  // A byte order mark and a declared Latin-1 encoding come back as they were.
-  for (const QByteArray& bytes :
-       {QByteArray("\xef\xbb\xbfx = '\xc3\xa9'\r\n"), QByteArray("# -*- coding: latin-1 -*-\nx = '\xe9'\n")}) {
-    QString text;
-    QString encoding;
-    ErrorLog log;
-    ASSERT_TRUE(decodeScript(bytes, text, encoding, log)) << qPrintable(log.getText());
-    EXPECT_EQ(encodeScript(text, encoding), bytes);
-  }
-  QString text;
-  QString encoding;
-  ErrorLog log;
-  EXPECT_FALSE(decodeScript("x = 1\ny = '\xe9'\n", text, encoding, log));
-  EXPECT_EQ(log.getText(), QStringLiteral("Line 2 is not UTF-8 text."));
-
-  // An earlier backup is never replaced.
   QTemporaryDir dir;
+  ErrorLog log;
   const QString path = dir.filePath(QStringLiteral("a.py"));
   ASSERT_TRUE(writeFile(path, "one"));
   ASSERT_TRUE(writeFile(path + QStringLiteral(".bak"), "older"));
   QString backup;
-  ASSERT_TRUE(writeUpdatedScript(path, "two", true, &backup, log));
+  ASSERT_TRUE(writeUpdatedScript(path, QStringLiteral("two"), ScriptFileFormat(), true, &backup, log));
   EXPECT_EQ(backup, path + QStringLiteral(".bak2"));
   EXPECT_EQ(readFile(path + QStringLiteral(".bak")), QByteArray("older"));
   EXPECT_EQ(readFile(backup), QByteArray("one"));
@@ -168,8 +153,12 @@ TEST(UpdateScriptDialog, ShowsBothTextsWritesWithBackupAndKeepsItsGeometry)
   ErrorLog log;
   EXPECT_FALSE(showScriptUpdate(path, nullptr, log));
   GTools::setErrorDialogHandler(nullptr);
-  EXPECT_EQ(shown, QStringLiteral("MSysScriptErr-0002: Line 1 is not UTF-8 text."));
-  EXPECT_EQ(log.getText(), QStringLiteral("Line 1 is not UTF-8 text."));
+  const QString reason = QStringLiteral(
+                             "%1: line 1 is not valid UTF-8, and the file declares no other encoding (a first line "
+                             "such as '# -*- coding: latin-1 -*-' names the encoding it is written in).")
+                             .arg(path);
+  EXPECT_EQ(shown, QStringLiteral("MSysScriptErr-0002: ") + reason);
+  EXPECT_EQ(log.getText(), reason);
   EXPECT_EQ(readFile(path), QByteArray("x = '\xff'\n"));
 }
 
