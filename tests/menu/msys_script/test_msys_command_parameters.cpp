@@ -65,6 +65,9 @@ protected:
       QTimer::singleShot(0, [&] {
         auto* dialog = qobject_cast<CommandParametersDialog*>(QApplication::activeModalWidget());
         ASSERT_TRUE(dialog);
+        // With ZUT_TEST_SCREENSHOTS set, the form as it opens is kept as a picture.
+        if (const QString folder = qEnvironmentVariable("ZUT_TEST_SCREENSHOTS"); !folder.isEmpty())
+          dialog->grab().save(folder + QStringLiteral("/command_parameters.png"));
         act(*dialog);
         QTest::mouseClick(dialog->findChild<QDialogButtonBox*>()->button(QDialogButtonBox::Ok), Qt::LeftButton);
         if (dialog->isVisible())

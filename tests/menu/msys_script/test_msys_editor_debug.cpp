@@ -19,6 +19,8 @@
 
 #include "gapp/command_container.h"
 #include "gedit/find_bar.h"
+#include "gtools/error_dialog.h"
+#include "menu/msys_script/msys_cmd_editor.h"
 #include "gedit/source_editor.h"
 #include "menu/msys_script/msys_dialog_answers.h"
 #include "menu/msys_script/msys_dlg_script_editor.h"
@@ -300,6 +302,8 @@ TEST_F(EditorDebugging, RecordedCommandsRunAgainDoTheSame)
   ASSERT_TRUE(dialog.isRecording());
   EXPECT_FALSE(dialog.isVisible());  // MSysScript/HideWhenRecording
   ASSERT_TRUE(dialog.getRecordingWindow() && dialog.getRecordingWindow()->isVisible());
+  if (const QString folder = qEnvironmentVariable("ZUT_TEST_SCREENSHOTS"); !folder.isEmpty())
+    dialog.getRecordingWindow()->grab().save(folder + QStringLiteral("/recording_window.png"));
 
   // A person: runs two commands, answering the dialog that the second one shows.
   UserDefinedDialog::setResponder([](UserDefinedDialog* shown) {
@@ -312,6 +316,20 @@ TEST_F(EditorDebugging, RecordedCommandsRunAgainDoTheSame)
     return true;
   });
   GApp::CommandContainer& commands = GApp::CommandContainer::getInstance();
+  EXPECT_TRUE(static_cast<EditorCommand*>(commands.getCommand(QStringLiteral("sys.show_script_editor")))->isRecording());
+
+  // A dialog handle has no form a line can hold: reported, and nothing is written.
+  GApp::CommandParameters content;
+  content.set(QStringLiteral("content"), QStringLiteral("<dialog><title>T</title><control id=\"Empty\"/><content rows=\"1\" columns=\"1\"/></dialog>"));
+  GApp::CommandParameters handle;
+  handle.set(QStringLiteral("dialog"), commands.getCommand(QStringLiteral("sys.create_user_defined_dialog"))->run(content, false));
+  QStringList shown;
+  GTools::setErrorDialogHandler([&](const QString& code, const QString&) { shown << code; });
+  commands.getCommand(QStringLiteral("sys.close_user_defined_dialog"))->run(handle, true);
+  GTools::setErrorDialogHandler(nullptr);
+  EXPECT_EQ(shown, QStringList{QStringLiteral("MSysScriptErr-0005")});
+  EXPECT_EQ(dialog.text(), QString());
+
   GApp::CommandParameters code;
   code.set(QStringLiteral("code"), QStringLiteral("open(r'%1', 'a').write('start\\n')").arg(log));
   code.set(QStringLiteral("collect_stdout"), false);

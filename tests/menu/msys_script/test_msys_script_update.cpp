@@ -126,6 +126,8 @@ TEST(UpdateScriptDialog, ShowsBothTextsWritesWithBackupAndKeepsItsGeometry)
     UpdateScriptDialog dialog(path);
     dialog.show();
     ASSERT_TRUE(QTest::qWaitForWindowExposed(&dialog));
+    if (const QString folder = qEnvironmentVariable("ZUT_TEST_SCREENSHOTS"); !folder.isEmpty())
+      dialog.grab().save(folder + QStringLiteral("/update_script.png"));
     EXPECT_EQ(dialog.size(), QSize(700, 300));
     const QList<int> sizes = dialog.splitter()->sizes();
     EXPECT_NEAR(double(sizes[0]) / (sizes[0] + sizes[1]), 0.3, 0.02);
