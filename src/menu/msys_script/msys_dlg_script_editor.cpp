@@ -7,39 +7,39 @@
 #include <QDir>
 #include <QFile>
 #include <QFileInfo>
+#include <QHBoxLayout>
 #include <QJsonDocument>
 #include <QJsonObject>
 #include <QLabel>
 #include <QMessageBox>
 #include <QPlainTextEdit>
+#include <QPushButton>
 #include <QRegularExpression>
 #include <QSaveFile>
 #include <QSplitter>
 #include <QStatusBar>
 #include <QStringDecoder>
 #include <QStringEncoder>
-#include <QToolBar>
-#include <QHBoxLayout>
-#include <QPushButton>
 #include <QTextBlock>
+#include <QToolBar>
 #include <QVBoxLayout>
 
 #include "cfg/cfg.h"
 #include "core/translate.h"
 #include "gapp/command.h"
+#include "gapp/command_container.h"
 #include "gedit/find_bar.h"
 #include "gedit/source_editor.h"
 #include "gscript/execute.h"
 #include "gscript/script_database.h"
 #include "gtools/error_dialog.h"
+#include "menu/msys_script/msys_cmd_editor.h"
 #include "menu/msys_script/msys_config.h"
 #include "menu/msys_script/msys_error_codes.h"
 #include "menu/msys_script/msys_python_highlighter.h"
 #include "menu/msys_script/msys_python_parser.h"
 #include "menu/msys_script/msys_python_script_database.h"
 #include "menu/msys_script/msys_script_recorder.h"
-#include "menu/msys_script/msys_cmd_editor.h"
-#include "gapp/command_container.h"
 
 namespace Vel::MSysScript {
 namespace {
@@ -273,7 +273,8 @@ bool ScriptEditorDialog::startRecording(ErrorLog& log)
       _recording_window->setObjectName(QStringLiteral("recording_window"));
       _recording_window->setWindowTitle(QStringLiteral("Recording"));
       auto* layout = new QHBoxLayout(_recording_window);
-      layout->addWidget(new QLabel(QStringLiteral("Recording into %1").arg(windowTitle().section(QLatin1String(" - "), 0, 0))));
+      layout->addWidget(
+          new QLabel(QStringLiteral("Recording into %1").arg(windowTitle().section(QLatin1String(" - "), 0, 0))));
       auto* stop = new QPushButton(QStringLiteral("Stop Recording"));
       stop->setObjectName(QStringLiteral("stop_recording"));
       layout->addWidget(stop);

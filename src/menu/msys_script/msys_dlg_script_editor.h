@@ -19,7 +19,7 @@ class QTreeWidget;
 namespace Vel::GEdit {
 class FindBar;
 class SourceEditor;
-}
+}  // namespace Vel::GEdit
 
 namespace Vel::MSysScript {
 
@@ -152,7 +152,7 @@ private:
   PythonParser* _parser;
   PythonHighlighter* _highlighter;
   QPlainTextEdit* _output;
-  QSplitter* _splitter;  // the source above the output
+  QSplitter* _splitter;       // the source above the output
   QSplitter* _main_splitter;  // those beside the debugging panel
   GEdit::FindBar* _find_bar;
   QListWidget* _stack_view;

@@ -27,11 +27,11 @@
 #include "gscript/execute.h"
 #include "gscript/safe_points.h"
 #include "gtools/error_dialog.h"
-#include "menu/msys_script/msys_error_codes.h"
 #include "menu/msys_script/msys_dlg_command_parameters.h"
 #include "menu/msys_script/msys_dlg_script_editor.h"
-#include "menu/msys_script/msys_script_update.h"
 #include "menu/msys_script/msys_dlg_user_defined.h"
+#include "menu/msys_script/msys_error_codes.h"
+#include "menu/msys_script/msys_script_update.h"
 
 namespace Vel::MSysScript {
 namespace {
@@ -58,10 +58,8 @@ public:
       case QEvent::KeyRelease:
       case QEvent::Wheel:
       case QEvent::Shortcut:
-      case QEvent::ShortcutOverride:
-        return object->isWidgetType() && !allowed(static_cast<QWidget*>(object));
-      default:
-        return false;
+      case QEvent::ShortcutOverride: return object->isWidgetType() && !allowed(static_cast<QWidget*>(object));
+      default: return false;
     }
   }
 
@@ -166,10 +164,9 @@ void ScriptEditorDialog::createActions()
              _editor->goToLine(line);
          },
          false},
-        {"comment", "Comment Lines", QKeySequence(Qt::ALT | Qt::Key_3), [this] { _editor->commentLines(true); },
+        {"comment", "Comment Lines", QKeySequence(Qt::ALT | Qt::Key_3), [this] { _editor->commentLines(true); }, false},
+        {"uncomment", "Uncomment Lines", QKeySequence(Qt::ALT | Qt::Key_4), [this] { _editor->commentLines(false); },
          false},
-        {"uncomment", "Uncomment Lines", QKeySequence(Qt::ALT | Qt::Key_4),
-         [this] { _editor->commentLines(false); }, false},
         {"command_parameters", "Command Parameters...", QKeySequence(Qt::CTRL | Qt::Key_E),
          [this] {
            ErrorLog log;
@@ -272,9 +269,7 @@ QString ScriptEditorDialog::statusText() const
 
 QString ScriptEditorDialog::runName() const
 {
-  return !_file.isEmpty()            ? _file
-         : !_database_file.isEmpty() ? _database_file
-                                     : QStringLiteral("<editor>");
+  return !_file.isEmpty() ? _file : !_database_file.isEmpty() ? _database_file : QStringLiteral("<editor>");
 }
 
 bool ScriptEditorDialog::run()
@@ -406,9 +401,7 @@ void ScriptEditorDialog::paused(Debugger& debugger, const Debugger::Stop& stop)
                     ? QStringLiteral("Paused at the breakpoint in %1.").arg(where)
                     : QStringLiteral("Paused in %1: the breakpoint's condition failed: %2").arg(where, stop.message));
       break;
-    case Debugger::Reason::Step:
-      setStatus(QStringLiteral("Paused in %1.").arg(where));
-      break;
+    case Debugger::Reason::Step: setStatus(QStringLiteral("Paused in %1.").arg(where)); break;
   }
 
   QEventLoop loop;

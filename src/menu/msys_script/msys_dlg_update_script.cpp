@@ -1,6 +1,5 @@
 #include "menu/msys_script/msys_dlg_update_script.h"
 
-
 #include <QDialogButtonBox>
 #include <QFileInfo>
 #include <QFontDatabase>

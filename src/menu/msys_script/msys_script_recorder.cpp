@@ -43,8 +43,8 @@ void ScriptRecorder::commandStarted(const GApp::Command&)
 void ScriptRecorder::commandRun(const GApp::Command& command, const GApp::CommandParameters& parameters)
 {
   if (!command.getMetaInfo().isScriptable()) {
-    _fault(QStringLiteral("The command \"%1\" cannot be run from scripts, so it is not recorded.")
-               .arg(command.getName()));
+    _fault(
+        QStringLiteral("The command \"%1\" cannot be run from scripts, so it is not recorded.").arg(command.getName()));
     return;
   }
   QStringList lines;
@@ -69,8 +69,8 @@ void ScriptRecorder::commandRun(const GApp::Command& command, const GApp::Comman
   _lines(lines);
 }
 
-bool ScriptRecorder::callLine(const GApp::Command& command, const GApp::CommandParameters& parameters,
-                              QString& line, QString& error)
+bool ScriptRecorder::callLine(const GApp::Command& command, const GApp::CommandParameters& parameters, QString& line,
+                              QString& error)
 {
   // In the order the command declares its arguments; the defaults go without saying.
   QStringList names;
@@ -86,8 +86,9 @@ bool ScriptRecorder::callLine(const GApp::Command& command, const GApp::CommandP
   for (const QString& name : names) {
     QString text;
     if (!literal(parameters.get(name).getValue(), text)) {
-      error = QStringLiteral("The argument \"%1\" of \"%2\" has no form a script can write, so the command is not "
-                             "recorded.")
+      error = QStringLiteral(
+                  "The argument \"%1\" of \"%2\" has no form a script can write, so the command is not "
+                  "recorded.")
                   .arg(name, command.getName());
       return false;
     }

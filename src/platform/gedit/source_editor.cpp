@@ -293,7 +293,6 @@ void SourceEditor::contentsChanged(int position, int removed, int)
   applyFolding();
 }
 
-
 namespace {
 
 QString leadingSpace(const QString& line)

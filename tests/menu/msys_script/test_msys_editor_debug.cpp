@@ -1,8 +1,8 @@
 // The script editor as a person debugs with it: real clicks in the line numbers, real keys for
 // the debugger's actions, answered from inside each pause.
 #include <QAction>
-#include <QDoubleSpinBox>
 #include <QApplication>
+#include <QDoubleSpinBox>
 #include <QLineEdit>
 #include <QListWidget>
 #include <QPlainTextEdit>
@@ -14,18 +14,17 @@
 #include <QTreeWidget>
 
 #include <functional>
-
 #include <gtest/gtest.h>
 
+#include "dialog_test_element.h"
 #include "gapp/command_container.h"
 #include "gedit/find_bar.h"
+#include "gedit/source_editor.h"
 #include "gtools/error_dialog.h"
 #include "menu/msys_script/msys_cmd_editor.h"
-#include "gedit/source_editor.h"
 #include "menu/msys_script/msys_dialog_answers.h"
 #include "menu/msys_script/msys_dlg_script_editor.h"
 #include "menu/msys_script/msys_dlg_user_defined.h"
-#include "dialog_test_element.h"
 #include "msys_fixture.h"
 #include "test_util.h"
 
@@ -35,13 +34,13 @@ using namespace Vel::MSysScript;
 namespace {
 
 const QByteArray LOOP_SCRIPT =
-    "total = 0\n"              // 0
-    "for i in range(3):\n"     // 1
-    "    total += i\n"         // 2
-    "def helper(x):\n"         // 3
-    "    y = x * 2\n"          // 4
-    "    return y\n"           // 5
-    "result = helper(total)\n" // 6
+    "total = 0\n"                 // 0
+    "for i in range(3):\n"        // 1
+    "    total += i\n"            // 2
+    "def helper(x):\n"            // 3
+    "    y = x * 2\n"             // 4
+    "    return y\n"              // 5
+    "result = helper(total)\n"    // 6
     "print('result', result)\n";  // 7
 
 class EditorDebugging : public ::testing::Test
@@ -87,8 +86,9 @@ protected:
     const QMetaObject::Connection connection =
         QObject::connect(&dialog, &ScriptEditorDialog::runPaused, &dialog, [&](int line) {
           lines << line;
-          const std::function<void()> answer =
-              next < answers.size() ? answers[next++] : [this] { QTest::keyClick(&dialog, Qt::Key_F5, Qt::ShiftModifier); };
+          const std::function<void()> answer = next < answers.size() ? answers[next++] : [this] {
+            QTest::keyClick(&dialog, Qt::Key_F5, Qt::ShiftModifier);
+          };
           QTimer::singleShot(0, &dialog, answer);
         });
     QTest::keyClick(editor(), Qt::Key(key), modifiers);
@@ -133,28 +133,29 @@ TEST_F(EditorDebugging, BreakpointsStepAndRunToCursorMoveTheMarker)
   EXPECT_EQ(editor()->getBreakpoints(), std::set<int>{2});
 
   QStringList seen;
-  const QList<int> lines = debug(Qt::Key_F5, Qt::NoModifier,
-                                 {[&] {
-                                    seen << variable(QStringLiteral("i")) << evaluate(QStringLiteral("i + 10"));
-                                    EXPECT_EQ(editor()->getCurrentLine(), 2);
-                                    press(Qt::Key_F5);
-                                  },
-                                  [&] {
-                                    seen << variable(QStringLiteral("i"));
-                                    clickLineNumber(2);  // off again, while paused
-                                    putCursorOn(5);
-                                    press(Qt::Key_F10, Qt::ControlModifier);
-                                  },
-                                  [&] {
-                                    // In the function: its own frame and the module's.
-                                    seen << QString::number(dialog.getStackView()->count()) << variable(QStringLiteral("y"));
-                                    clickLineNumber(7);
-                                    // With ZUT_TEST_SCREENSHOTS set, the paused editor is kept as a picture.
-                                    if (const QString folder = qEnvironmentVariable("ZUT_TEST_SCREENSHOTS"); !folder.isEmpty())
-                                      dialog.grab().save(folder + QStringLiteral("/editor_paused.png"));
-                                    press(Qt::Key_F10);
-                                  },
-                                  [&] { press(Qt::Key_F10); }});
+  const QList<int> lines =
+      debug(Qt::Key_F5, Qt::NoModifier,
+            {[&] {
+               seen << variable(QStringLiteral("i")) << evaluate(QStringLiteral("i + 10"));
+               EXPECT_EQ(editor()->getCurrentLine(), 2);
+               press(Qt::Key_F5);
+             },
+             [&] {
+               seen << variable(QStringLiteral("i"));
+               clickLineNumber(2);  // off again, while paused
+               putCursorOn(5);
+               press(Qt::Key_F10, Qt::ControlModifier);
+             },
+             [&] {
+               // In the function: its own frame and the module's.
+               seen << QString::number(dialog.getStackView()->count()) << variable(QStringLiteral("y"));
+               clickLineNumber(7);
+               // With ZUT_TEST_SCREENSHOTS set, the paused editor is kept as a picture.
+               if (const QString folder = qEnvironmentVariable("ZUT_TEST_SCREENSHOTS"); !folder.isEmpty())
+                 dialog.grab().save(folder + QStringLiteral("/editor_paused.png"));
+               press(Qt::Key_F10);
+             },
+             [&] { press(Qt::Key_F10); }});
   EXPECT_EQ(lines, (QList<int>{2, 2, 5, 7})) << qPrintable(dialog.getOutput()->toPlainText());
   EXPECT_EQ(seen, (QStringList{QStringLiteral("0"), QStringLiteral("10"), QStringLiteral("1"), QStringLiteral("2"),
                                QStringLiteral("6")}));
@@ -168,9 +169,9 @@ TEST_F(EditorDebugging, BreakpointsStepAndRunToCursorMoveTheMarker)
 TEST_F(EditorDebugging, StepStartsPausedAndStopRunsFinallyBlocks)
 {
   open("print('start')\ntry:\n    x = 1\n    x = 2\nfinally:\n    print('cleaned up')\nprint('not reached')\n");
-  const QList<int> lines = debug(Qt::Key_F11, Qt::NoModifier,
-                                 {[&] { press(Qt::Key_F10); }, [&] { press(Qt::Key_F10); },
-                                  [&] { press(Qt::Key_F5, Qt::ShiftModifier); }});
+  const QList<int> lines =
+      debug(Qt::Key_F11, Qt::NoModifier,
+            {[&] { press(Qt::Key_F10); }, [&] { press(Qt::Key_F10); }, [&] { press(Qt::Key_F5, Qt::ShiftModifier); }});
   EXPECT_EQ(lines, (QList<int>{0, 1, 2}));
   EXPECT_TRUE(dialog.getOutput()->toPlainText().startsWith(QStringLiteral("start\ncleaned up\n")))
       << qPrintable(dialog.getOutput()->toPlainText());
@@ -183,19 +184,20 @@ TEST_F(EditorDebugging, StepStartsPausedAndStopRunsFinallyBlocks)
 // input until the run goes on.
 TEST_F(EditorDebugging, WhilePausedTheScriptsDialogAnswersAndOtherWindowsWait)
 {
-  open("import zut\n"
-       "xml = '''<dialog><title>Probe</title><control id=\"Empty\"/><content rows=\"1\" columns=\"1\">"
-       "<widget type=\"button::pushbutton\" row=\"0\" column=\"0\"><name>go</name><text>Go</text></widget>"
-       "</content></dialog>'''\n"
-       "dlg = zut.script.sys.create_user_defined_dialog(content=xml)\n"
-       "clicks = []\n"
-       "def handler(widget):\n"
-       "    if widget == dlg.go:\n"
-       "        clicks.append('go')\n"
-       "dlg.handler = handler\n"
-       "zut.script.sys.open_user_defined_dialog(dialog=dlg)\n"
-       "print('clicks', clicks)\n"
-       "zut.script.sys.close_user_defined_dialog(dialog=dlg)\n");
+  open(
+      "import zut\n"
+      "xml = '''<dialog><title>Probe</title><control id=\"Empty\"/><content rows=\"1\" columns=\"1\">"
+      "<widget type=\"button::pushbutton\" row=\"0\" column=\"0\"><name>go</name><text>Go</text></widget>"
+      "</content></dialog>'''\n"
+      "dlg = zut.script.sys.create_user_defined_dialog(content=xml)\n"
+      "clicks = []\n"
+      "def handler(widget):\n"
+      "    if widget == dlg.go:\n"
+      "        clicks.append('go')\n"
+      "dlg.handler = handler\n"
+      "zut.script.sys.open_user_defined_dialog(dialog=dlg)\n"
+      "print('clicks', clicks)\n"
+      "zut.script.sys.close_user_defined_dialog(dialog=dlg)\n");
   clickLineNumber(9);
   QPushButton other(QStringLiteral("Elsewhere"));
   other.show();
@@ -316,13 +318,17 @@ TEST_F(EditorDebugging, RecordedCommandsRunAgainDoTheSame)
     return true;
   });
   GApp::CommandContainer& commands = GApp::CommandContainer::getInstance();
-  EXPECT_TRUE(static_cast<EditorCommand*>(commands.getCommand(QStringLiteral("sys.show_script_editor")))->isRecording());
+  EXPECT_TRUE(
+      static_cast<EditorCommand*>(commands.getCommand(QStringLiteral("sys.show_script_editor")))->isRecording());
 
   // A dialog handle has no form a line can hold: reported, and nothing is written.
   GApp::CommandParameters content;
-  content.set(QStringLiteral("content"), QStringLiteral("<dialog><title>T</title><control id=\"Empty\"/><content rows=\"1\" columns=\"1\"/></dialog>"));
+  content.set(
+      QStringLiteral("content"),
+      QStringLiteral("<dialog><title>T</title><control id=\"Empty\"/><content rows=\"1\" columns=\"1\"/></dialog>"));
   GApp::CommandParameters handle;
-  handle.set(QStringLiteral("dialog"), commands.getCommand(QStringLiteral("sys.create_user_defined_dialog"))->run(content, false));
+  handle.set(QStringLiteral("dialog"),
+             commands.getCommand(QStringLiteral("sys.create_user_defined_dialog"))->run(content, false));
   QStringList shown;
   GTools::setErrorDialogHandler([&](const QString& code, const QString&) { shown << code; });
   commands.getCommand(QStringLiteral("sys.close_user_defined_dialog"))->run(handle, true);
