@@ -16,6 +16,10 @@ class QPlainTextEdit;
 class QSplitter;
 class QTreeWidget;
 
+namespace Vel::GScript {
+class Execute;
+}
+
 namespace Vel::GEdit {
 class FindBar;
 class SourceEditor;
@@ -168,6 +172,7 @@ private:
   bool _close_after_run = false;
   bool _run_has_paused = false;
   GScript::Debugger* _debugger = nullptr;  // while a run of this editor is debugged
+  const GScript::Execute* _running = nullptr;
   QEventLoop* _pause_loop = nullptr;       // while paused
   std::unique_ptr<ScriptRecorder> _recorder;
   QWidget* _recording_window = nullptr;

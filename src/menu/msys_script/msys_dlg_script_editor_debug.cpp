@@ -339,7 +339,9 @@ bool ScriptEditorDialog::startRun(Start start)
   QString code;
   ErrorLog log;
   setStatus(QStringLiteral("Running..."));
+  _running = &execute;
   const bool success = execute.execute(0, GScript::Execute::FLAG_MAIN, code, log);
+  _running = nullptr;
   const bool stopped = _debugger && _debugger->stopped();
   if (_debugger) {
     _debugger->detach();
@@ -378,6 +380,8 @@ void ScriptEditorDialog::paused(Debugger& debugger, const Debugger::Stop& stop)
   if (stop.reason == Debugger::Reason::Exception && !_run_has_paused)
     return;
   _run_has_paused = true;
+  if (_running)
+    _output->setPlainText(_running->getCollectedOutputSoFar());
   _frames = debugger.stack();
   const Debugger::Frame here = _frames.value(_frames.size() - 1);
   const bool own = here.file == runName();

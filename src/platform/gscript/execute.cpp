@@ -52,9 +52,14 @@ public:
     flush(_stdout);
     flush(_stderr);
   }
-  QString collected() const
+  QString collected() const { return textOf(_buffer.ptr()); }
+  PyObject* buffer() const { return _buffer.ptr(); }
+
+  static QString textOf(PyObject* buffer)
   {
-    return _buffer ? QString::fromStdString(_buffer.attr("getvalue")().cast<std::string>()) : QString();
+    if (!buffer)
+      return QString();
+    return QString::fromStdString(py::handle(buffer).attr("getvalue")().cast<std::string>());
   }
 
 private:
@@ -268,6 +273,17 @@ private:
 
 Execute::Execute(const QString& code) : _code(code) {}
 
+QString Execute::getCollectedOutputSoFar() const
+{
+  if (!_collecting)
+    return _collected;
+  try {
+    return OutputRedirection::textOf(static_cast<PyObject*>(_collecting));
+  } catch (const py::error_already_set&) {
+    return QString();
+  }
+}
+
 Execute Execute::fromSource(const QByteArray& source)
 {
   Execute run{QString()};
@@ -311,6 +327,7 @@ bool Execute::execute(int /*gui_mode*/, int flags, QString& error_code, ErrorLog
   {
     OutputRedirection redirection(_collect_stdout, _collect_stderr);
     std::optional<QuotedText> quoted;  // until the traceback is written
+    _collecting = redirection.buffer();
     try {
       RunModule module((flags & FLAG_MAIN) != 0, _file_name, _arguments);
       py::dict& globals = module.globals();
@@ -343,6 +360,7 @@ bool Execute::execute(int /*gui_mode*/, int flags, QString& error_code, ErrorLog
       success = handleException(error, error_code, log);
     }
     _collected = redirection.collected();
+    _collecting = nullptr;
   }
   return success;
 }

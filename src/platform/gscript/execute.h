@@ -61,6 +61,9 @@ public:
   bool execute(int gui_mode, int flags, QString& error_code, ErrorLog& log);
 
   const QString& getCollectedOutput() const { return _collected; }
+  // While the run goes on (paused in the debugger, say): what it has printed so far, where it
+  // is collected.
+  QString getCollectedOutputSoFar() const;
 
 private:
   QString _code;
@@ -73,6 +76,7 @@ private:
   bool _collect_stdout = false;
   bool _collect_stderr = false;
   bool _quote_own_text = false;
+  void* _collecting = nullptr;  // the run's output buffer (a Python object) while it runs
   QString _collected;
 };
 

@@ -164,15 +164,22 @@ TEST_F(EditorDebugging, BreakpointsStepAndRunToCursorMoveTheMarker)
   EXPECT_EQ(dialog.statusText(), QStringLiteral("Finished."));
 }
 
-// Step into from an idle editor pauses at the first line; Stop raises KeyboardInterrupt where it
-// is paused, so the script's finally blocks run.
+// Step into from an idle editor pauses at the first line, and each pause shows what the run has
+// printed so far; Stop raises KeyboardInterrupt where it is paused, so the script's finally
+// blocks run.
 TEST_F(EditorDebugging, StepStartsPausedAndStopRunsFinallyBlocks)
 {
+  QString printed;
   open("print('start')\ntry:\n    x = 1\n    x = 2\nfinally:\n    print('cleaned up')\nprint('not reached')\n");
   const QList<int> lines =
       debug(Qt::Key_F11, Qt::NoModifier,
-            {[&] { press(Qt::Key_F10); }, [&] { press(Qt::Key_F10); }, [&] { press(Qt::Key_F5, Qt::ShiftModifier); }});
+            {[&] { press(Qt::Key_F10); }, [&] { press(Qt::Key_F10); },
+             [&] {
+               printed = dialog.getOutput()->toPlainText();
+               press(Qt::Key_F5, Qt::ShiftModifier);
+             }});
   EXPECT_EQ(lines, (QList<int>{0, 1, 2}));
+  EXPECT_EQ(printed, QStringLiteral("start\n"));
   EXPECT_TRUE(dialog.getOutput()->toPlainText().startsWith(QStringLiteral("start\ncleaned up\n")))
       << qPrintable(dialog.getOutput()->toPlainText());
   EXPECT_FALSE(dialog.getOutput()->toPlainText().contains(QStringLiteral("not reached")));
