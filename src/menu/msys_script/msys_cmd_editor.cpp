@@ -33,7 +33,8 @@ void EditorCommand::execute(const GApp::CommandParameters& parameters)
   if (parameters.contains(QStringLiteral("file"))) {
     if (!_dialog->openFile(getArgument<QString>(parameters, QStringLiteral("file")), log))
       throw GApp::CommandError(QString::fromLatin1(ERR_LOAD_SCRIPT), log);
-  } else {
+  } else if (!_dialog->isRecording() && !_dialog->isModified() && !_dialog->isBusy()) {
+    // An editor that records, runs or holds unsaved changes is shown as it is.
     DatabaseLock database;
     const GScript::Script* current = database ? database->getCurrentScript() : nullptr;
     if (current && !_dialog->openDatabaseScript(current->getFileName(), log))

@@ -20,6 +20,7 @@
 
 #include "core/translate.h"
 #include "gapp/command_container.h"
+#include "gedit/source_editor.h"
 #include "gscript/script_database.h"
 #include "gtools/error_dialog.h"
 #include "gtools/vel_file_select.h"
@@ -354,20 +355,7 @@ bool editCommandParameters(QPlainTextEdit* editor, int line, QWidget* parent, Er
   if (new_text == old_text)
     return false;
 
-  // Only the part that differs is replaced, so that the cursor and the rest stay where they are.
-  int prefix = 0;
-  while (prefix < old_text.size() && prefix < new_text.size() && old_text[prefix] == new_text[prefix])
-    ++prefix;
-  int suffix = 0;
-  while (suffix < old_text.size() - prefix && suffix < new_text.size() - prefix &&
-         old_text[old_text.size() - 1 - suffix] == new_text[new_text.size() - 1 - suffix])
-    ++suffix;
-  QTextCursor cursor(document);
-  cursor.beginEditBlock();
-  cursor.setPosition(start + prefix);
-  cursor.setPosition(start + int(old_text.size()) - suffix, QTextCursor::KeepAnchor);
-  cursor.insertText(new_text.mid(prefix, new_text.size() - prefix - suffix));
-  cursor.endEditBlock();
+  GEdit::replaceDifference(document, start, old_text, new_text);
   return true;
 }
 

@@ -24,6 +24,8 @@
 #include <QToolBar>
 #include <QVBoxLayout>
 
+#include <functional>
+
 #include "cfg/cfg.h"
 #include "core/translate.h"
 #include "gapp/command.h"
@@ -69,6 +71,35 @@ QString encodingTitle(const QByteArray& encoding)
 {
   return encoding == "utf-8" ? QStringLiteral("UTF-8") : QString::fromLatin1(encoding);
 }
+
+// The small window that stands in for the hidden editor while it records: closing it stops the
+// recording like its button, so that the editor never stays hidden.
+class RecordingWindow : public QWidget
+{
+public:
+  RecordingWindow(QWidget* editor, const QString& name, std::function<void()> stop)
+      : QWidget(editor, Qt::Tool | Qt::WindowStaysOnTopHint), _stop(std::move(stop))
+  {
+    setObjectName(QStringLiteral("recording_window"));
+    setWindowTitle(QStringLiteral("Recording"));
+    auto* layout = new QHBoxLayout(this);
+    layout->addWidget(new QLabel(QStringLiteral("Recording into %1").arg(name)));
+    auto* button = new QPushButton(QStringLiteral("Stop Recording"));
+    button->setObjectName(QStringLiteral("stop_recording"));
+    layout->addWidget(button);
+    connect(button, &QPushButton::clicked, this, [this] { _stop(); });
+  }
+
+protected:
+  void closeEvent(QCloseEvent* event) override
+  {
+    event->accept();
+    _stop();
+  }
+
+private:
+  std::function<void()> _stop;
+};
 
 QString recoveryFolder()
 {
@@ -267,19 +298,9 @@ bool ScriptEditorDialog::startRecording(ErrorLog& log)
   setStatus(QStringLiteral("Recording: the commands you run are written at the cursor."));
   CfgNode* root = configurationRoot();
   if (root && root->getBool(QString::fromLatin1(CFG_HIDE_WHEN_RECORDING))) {
-    if (!_recording_window) {
-      // Out of the way, but never out of reach: the only way back while the editor is hidden.
-      _recording_window = new QWidget(this, Qt::Tool | Qt::WindowStaysOnTopHint);
-      _recording_window->setObjectName(QStringLiteral("recording_window"));
-      _recording_window->setWindowTitle(QStringLiteral("Recording"));
-      auto* layout = new QHBoxLayout(_recording_window);
-      layout->addWidget(
-          new QLabel(QStringLiteral("Recording into %1").arg(windowTitle().section(QLatin1String(" - "), 0, 0))));
-      auto* stop = new QPushButton(QStringLiteral("Stop Recording"));
-      stop->setObjectName(QStringLiteral("stop_recording"));
-      layout->addWidget(stop);
-      connect(stop, &QPushButton::clicked, this, &ScriptEditorDialog::stopRecording);
-    }
+    if (!_recording_window)
+      _recording_window =
+          new RecordingWindow(this, windowTitle().section(QLatin1String(" - "), 0, 0), [this] { stopRecording(); });
     _recording_window->show();
     hide();
   }
@@ -320,16 +341,23 @@ void ScriptEditorDialog::insertRecorded(const QStringList& lines)
   cursor.clearSelection();
   cursor.movePosition(QTextCursor::StartOfBlock);
   const QString line = cursor.block().text();
-  int end = 0;
-  while (end < line.size() && (line[end] == QLatin1Char(' ') || line[end] == QLatin1Char('\t')))
-    ++end;
-  const QString indent = end < line.size() ? line.left(end) : QString();
+  const QString indent = line.trimmed().isEmpty() ? QString() : GEdit::leadingSpace(line);
   QString text;
   for (const QString& recorded : lines)
     text += indent + recorded + QLatin1Char('\n');
-  if (!text.contains(QLatin1String("import zut")) && !_editor->toPlainText().contains(QLatin1String("import zut")))
-    text.prepend(QStringLiteral("import zut\n"));
+  cursor.beginEditBlock();
   cursor.insertText(text);
+  // The lines need the package: imported once, at the top, below a first line such as "#!...".
+  static const QRegularExpression imported(
+      QStringLiteral("^[ \\t]*(import[ \\t]+zut\\b|from[ \\t]+zut[ \\t]+import\\b)"),
+      QRegularExpression::MultilineOption);
+  if (!imported.match(_editor->toPlainText()).hasMatch()) {
+    QTextCursor top(_editor->document());
+    if (_editor->document()->firstBlock().text().startsWith(QLatin1String("#!")))
+      top.movePosition(QTextCursor::NextBlock);
+    top.insertText(QStringLiteral("import zut\n"));
+  }
+  cursor.endEditBlock();
   _editor->setTextCursor(cursor);
 }
 
@@ -382,6 +410,7 @@ bool ScriptEditorDialog::load(const QByteArray& bytes, const QString& name, Erro
     return false;
   }
   _format = format;
+  _editor->clearBreakpoints();  // they were set in another text
   _editor->setPlainText(text);
   _editor->document()->setModified(false);
   return true;
@@ -423,6 +452,12 @@ bool ScriptEditorDialog::openDatabaseScript(const QString& file_name, ErrorLog& 
   offerRecovery();
   updateTitle();
   return true;
+}
+
+QString ScriptEditorDialog::databaseScriptPath() const
+{
+  const GScript::Script* script = _lock && !_database_file.isEmpty() ? (*_lock)->getScript(_database_file) : nullptr;
+  return script ? script->getPath() : QString();
 }
 
 bool ScriptEditorDialog::isModified() const
@@ -553,7 +588,6 @@ void ScriptEditorDialog::updateTitle()
 
 void ScriptEditorDialog::closeEvent(QCloseEvent* event)
 {
-  stopRecording();
   // The run's frames live on this window's stack: it closes once the run has ended.
   if (_busy) {
     _close_after_run = true;
@@ -579,6 +613,7 @@ void ScriptEditorDialog::closeEvent(QCloseEvent* event)
       }
     }
   }
+  stopRecording();
   storeGeometry();
   event->accept();
 }

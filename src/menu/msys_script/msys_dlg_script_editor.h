@@ -139,6 +139,8 @@ private:
   void evaluateConsole();
   // Older command and argument names in the text become the current ones, as one undo step.
   void updateReplacedNames();
+  // The file of the database script being edited; empty for none.
+  QString databaseScriptPath() const;
   void updateActions();
   void setStatus(const QString& text);
   void insertRecorded(const QStringList& lines);
@@ -173,7 +175,7 @@ private:
   bool _run_has_paused = false;
   GScript::Debugger* _debugger = nullptr;  // while a run of this editor is debugged
   const GScript::Execute* _running = nullptr;
-  QEventLoop* _pause_loop = nullptr;       // while paused
+  QEventLoop* _pause_loop = nullptr;  // while paused
   std::unique_ptr<ScriptRecorder> _recorder;
   QWidget* _recording_window = nullptr;
   QList<GScript::Debugger::Frame> _frames;  // while paused, outermost first

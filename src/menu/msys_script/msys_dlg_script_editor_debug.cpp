@@ -18,6 +18,7 @@
 #include <QTreeWidget>
 #include <QVBoxLayout>
 
+#include <algorithm>
 #include <functional>
 #include <memory>
 
@@ -27,8 +28,10 @@
 #include "gscript/execute.h"
 #include "gscript/safe_points.h"
 #include "gtools/error_dialog.h"
+#include "menu/msys_script/msys_dialog_answers.h"
 #include "menu/msys_script/msys_dlg_command_parameters.h"
 #include "menu/msys_script/msys_dlg_script_editor.h"
+#include "menu/msys_script/msys_dlg_update_script.h"
 #include "menu/msys_script/msys_dlg_user_defined.h"
 #include "menu/msys_script/msys_error_codes.h"
 #include "menu/msys_script/msys_script_update.h"
@@ -56,14 +59,33 @@ public:
       case QEvent::MouseButtonDblClick:
       case QEvent::KeyPress:
       case QEvent::KeyRelease:
-      case QEvent::Wheel:
-      case QEvent::Shortcut:
-      case QEvent::ShortcutOverride: return object->isWidgetType() && !allowed(static_cast<QWidget*>(object));
+      case QEvent::Wheel: return object->isWidgetType() && !allowed(static_cast<QWidget*>(object));
+      case QEvent::ShortcutOverride:
+        // Taken here, the key is no shortcut of that window either.
+        if (object->isWidgetType() && !allowed(static_cast<QWidget*>(object))) {
+          event->accept();
+          return true;
+        }
+        return false;
+      // Sent to the action or shortcut, not to a widget: allowed when it belongs to one that is.
+      case QEvent::Shortcut: return !belongsToAllowed(object);
       default: return false;
     }
   }
 
 private:
+  bool belongsToAllowed(QObject* object) const
+  {
+    if (auto* action = qobject_cast<QAction*>(object)) {
+      const QList<QObject*> owners = action->associatedObjects();
+      return std::any_of(owners.begin(), owners.end(), [this](QObject* owner) {
+        return owner->isWidgetType() && allowed(static_cast<QWidget*>(owner));
+      });
+    }
+    QObject* parent = object->parent();
+    return parent && parent->isWidgetType() && allowed(static_cast<QWidget*>(parent));
+  }
+
   bool allowed(QWidget* widget) const
   {
     for (QWidget* window = widget->window(); window;) {
@@ -253,6 +275,10 @@ void ScriptEditorDialog::updateActions()
   for (const char* name : {"step_into", "step_over", "run_to_cursor"})
     action(name)->setEnabled((!_busy && !isRecording()) || paused);
   action("record")->setEnabled(!_busy);
+  // The lines a run pauses at are those of the text it started with.
+  _editor->setReadOnly(_busy);
+  for (const char* name : {"replace", "comment", "uncomment", "command_parameters", "update_names"})
+    action(name)->setEnabled(!_busy);
   action("step_out")->setEnabled(paused);
   _console_input->setEnabled(paused);
 }
@@ -327,6 +353,22 @@ bool ScriptEditorDialog::startRun(Start start)
   _busy = true;
   _close_after_run = false;
   _run_has_paused = false;
+  // Whatever leaves the run, the editor is idle again afterwards.
+  struct Idle
+  {
+    ScriptEditorDialog* dialog;
+    Idle(const Idle&) = delete;
+    Idle& operator=(const Idle&) = delete;
+    ~Idle()
+    {
+      dialog->_busy = false;
+      dialog->_running = nullptr;
+      if (dialog->_debugger)
+        dialog->_debugger->detach();
+      dialog->_debugger = nullptr;
+      dialog->updateActions();
+    }
+  } idle{this};
   _editor->markErrorLine(-1);
   _console_output->clear();
   updateActions();
@@ -343,10 +385,9 @@ bool ScriptEditorDialog::startRun(Start start)
   const bool success = execute.execute(0, GScript::Execute::FLAG_MAIN, code, log);
   _running = nullptr;
   const bool stopped = _debugger && _debugger->stopped();
-  if (_debugger) {
-    _debugger->detach();
-    _debugger = nullptr;
-  }
+  // Answers that the run gave for dialogs that never came must not answer a person's later.
+  notes << DialogAnswers::getUnused();
+  DialogAnswers::reset();
   QString output = notes.isEmpty() ? QString() : notes.join(QLatin1Char('\n')) + QLatin1Char('\n');
   output += execute.getCollectedOutput();
   if (success) {
@@ -366,8 +407,6 @@ bool ScriptEditorDialog::startRun(Start start)
                           : QStringLiteral("Failed."));
   }
   _output->setPlainText(output);
-  _busy = false;
-  updateActions();
   if (_close_after_run)
     QTimer::singleShot(0, this, &QWidget::close);
   return success;
@@ -464,7 +503,21 @@ void ScriptEditorDialog::showFrame(int row)
 
 void ScriptEditorDialog::updateReplacedNames()
 {
-  const ScriptUpdate update = updateScriptText(text(), UpdateRules::fromCommands());
+  // A saved script is updated as a file, side by side and with a backup; unsaved text in place.
+  const QString path = !_file.isEmpty() ? _file : databaseScriptPath();
+  if (!isModified() && !path.isEmpty() && QFileInfo::exists(path)) {
+    ErrorLog log;
+    if (showScriptUpdate(path, this, log)) {
+      ErrorLog reload;
+      if (!_file.isEmpty() ? openFile(_file, reload) : openDatabaseScript(_database_file, reload))
+        setStatus(QStringLiteral("Updated."));
+      else
+        GTools::ErrorDialog(QString::fromLatin1(ERR_LOAD_SCRIPT), reload.getText());
+    }
+    return;
+  }
+  const QString before = text();
+  const ScriptUpdate update = updateScriptText(before, UpdateRules::fromCommands());
   QStringList report;
   for (const ScriptChange& change : update.changes)
     report << QStringLiteral("line %1: %2 -> %3").arg(change.line).arg(change.old_text, change.new_text);
@@ -474,10 +527,7 @@ void ScriptEditorDialog::updateReplacedNames()
     setStatus(QStringLiteral("No replaced command or argument names to update."));
     return;
   }
-  // One step to undo.
-  QTextCursor cursor(_editor->document());
-  cursor.select(QTextCursor::Document);
-  cursor.insertText(update.text);
+  GEdit::replaceDifference(_editor->document(), 0, before, update.text);
   setStatus(QStringLiteral("%1 names updated; the output lists them.").arg(update.changes.size()));
 }
 

@@ -42,6 +42,9 @@ void ScriptRecorder::commandStarted(const GApp::Command&)
 
 void ScriptRecorder::commandRun(const GApp::Command& command, const GApp::CommandParameters& parameters)
 {
+  // Showing the editor that records is no step of the recorded work.
+  if (command.getName() == QLatin1String("sys.show_script_editor"))
+    return;
   if (!command.getMetaInfo().isScriptable()) {
     _fault(
         QStringLiteral("The command \"%1\" cannot be run from scripts, so it is not recorded.").arg(command.getName()));
@@ -77,7 +80,8 @@ bool ScriptRecorder::callLine(const GApp::Command& command, const GApp::CommandP
   const GApp::CommandMetaInfo::ArgumentTypes arguments = command.getMetaInfo().getArgumentTypes();
   for (const GApp::CommandMetaInfo::Argument& argument : arguments)
     if (parameters.contains(argument.name) &&
-        !(argument.default_value.isValid() && parameters.get(argument.name).getValue() == argument.default_value))
+        !(argument.default_value.isValid() &&
+          sameValue(parameters.get(argument.name).getValue(), argument.default_value)))
       names << argument.name;
   for (const auto& [name, value] : parameters.values())
     if (std::none_of(arguments.begin(), arguments.end(), [&](const auto& a) { return a.name == name; }))

@@ -11,6 +11,8 @@
 #include <QTextBlock>
 #include <QTextDocument>
 
+#include "gedit/source_editor.h"
+
 namespace Vel::GEdit {
 
 FindBar::FindBar(QPlainTextEdit* editor, QWidget* parent)
@@ -106,9 +108,9 @@ bool FindBar::findNext(bool backward)
     return false;
   }
   _note->clear();
-  // A match inside a fold opens nothing: show the block the match is in.
-  if (!found.block().isVisible())
-    found.block().setVisible(true);
+  // A match inside a fold opens the fold.
+  if (auto* source = qobject_cast<SourceEditor*>(_editor))
+    source->revealLine(found.blockNumber());
   _editor->setTextCursor(found);
   _editor->ensureCursorVisible();
   return true;
@@ -123,6 +125,8 @@ bool FindBar::selectionMatches() const
 
 bool FindBar::replaceOne()
 {
+  if (_editor->isReadOnly())
+    return false;
   if (selectionMatches())
     _editor->textCursor().insertText(_replace->text());
   return findNext();
@@ -131,7 +135,7 @@ bool FindBar::replaceOne()
 int FindBar::replaceAll()
 {
   const QString what = _find->text();
-  if (what.isEmpty())
+  if (what.isEmpty() || _editor->isReadOnly())
     return 0;
   QTextDocument* document = _editor->document();
   const auto flags = QTextDocument::FindFlags(findFlags(false));

@@ -87,7 +87,7 @@ void SourceEditor::setCurrentLine(int line)
   _current_line = line;
   const QTextBlock block = document()->findBlockByNumber(line);
   if (line >= 0 && block.isValid()) {
-    unfoldAround(line);  // a folded pause would be invisible
+    revealLine(line);  // a folded pause would be invisible
     QTextCursor cursor(block);
     setTextCursor(cursor);
     ensureCursorVisible();
@@ -217,7 +217,13 @@ void SourceEditor::marginClicked(const QPoint& position)
     toggleFold(line);
 }
 
-void SourceEditor::unfoldAround(int line)
+void SourceEditor::clearBreakpoints()
+{
+  _breakpoints.clear();
+  _margin->update();
+}
+
+void SourceEditor::revealLine(int line)
 {
   if (document()->findBlockByNumber(line).isVisible())
     return;
@@ -274,17 +280,19 @@ void SourceEditor::contentsChanged(int position, int removed, int)
     _parser->textDeleted(line, qMax(0, -delta));
   else
     _parser->textInserted(line, delta);
-  // Marks below the edit move with their lines; those of removed lines go.
+  // Marks below the edit move with their lines; those of removed lines go. An edit at the start
+  // of a line moves that line's mark too: its text is what moves.
   if (delta != 0) {
+    const int pivot = position == document()->findBlock(position).position() ? line - 1 : line;
     std::set<int> moved;
     for (int mark : _breakpoints)
-      if (mark <= line)
+      if (mark <= pivot)
         moved.insert(mark);
-      else if (mark + delta > line)
+      else if (mark + delta > pivot)
         moved.insert(mark + delta);
     _breakpoints.swap(moved);
-    if (_current_line > line)
-      _current_line = _current_line + delta > line ? _current_line + delta : -1;
+    if (_current_line > pivot)
+      _current_line = _current_line + delta > pivot ? _current_line + delta : -1;
   }
   if (_error_line >= 0) {
     _error_line = -1;
@@ -293,8 +301,6 @@ void SourceEditor::contentsChanged(int position, int removed, int)
   applyFolding();
 }
 
-namespace {
-
 QString leadingSpace(const QString& line)
 {
   int end = 0;
@@ -302,8 +308,6 @@ QString leadingSpace(const QString& line)
     ++end;
   return line.left(end);
 }
-
-}  // namespace
 
 void SourceEditor::commentLines(bool comment)
 {
@@ -355,7 +359,7 @@ bool SourceEditor::goToLine(int line)
   const QTextBlock block = document()->findBlockByNumber(line - 1);
   if (line < 1 || !block.isValid())
     return false;
-  unfoldAround(line - 1);
+  revealLine(line - 1);
   setTextCursor(QTextCursor(block));
   centerCursor();
   return true;
@@ -413,6 +417,23 @@ void SourceEditor::keyPressEvent(QKeyEvent* event)
     return;
   }
   QPlainTextEdit::keyPressEvent(event);
+}
+
+void replaceDifference(QTextDocument* document, int start, const QString& old_text, const QString& new_text)
+{
+  int prefix = 0;
+  while (prefix < old_text.size() && prefix < new_text.size() && old_text[prefix] == new_text[prefix])
+    ++prefix;
+  int suffix = 0;
+  while (suffix < old_text.size() - prefix && suffix < new_text.size() - prefix &&
+         old_text[old_text.size() - 1 - suffix] == new_text[new_text.size() - 1 - suffix])
+    ++suffix;
+  QTextCursor cursor(document);
+  cursor.beginEditBlock();
+  cursor.setPosition(start + prefix);
+  cursor.setPosition(start + int(old_text.size()) - suffix, QTextCursor::KeepAnchor);
+  cursor.insertText(new_text.mid(prefix, new_text.size() - prefix - suffix));
+  cursor.endEditBlock();
 }
 
 }  // namespace Vel::GEdit

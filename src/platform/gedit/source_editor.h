@@ -44,6 +44,10 @@ public:
   // Comments out the lines of the selection (the cursor's line without one) with "# " at their
   // common indentation, or takes one comment mark off each; one step to undo. Blank lines stay.
   void commentLines(bool comment);
+  // Opens the folds that hide a line (0-based).
+  void revealLine(int line);
+  void clearBreakpoints();
+
   // Moves the cursor to the start of a line (from 1) and shows it; false for no such line.
   bool goToLine(int line);
 
@@ -64,8 +68,6 @@ protected:
 private:
   void contentsChanged(int position, int removed, int added);
   void applyFolding();
-  // Opens the folds that hide a line.
-  void unfoldAround(int line);
   void updateMargin(const QRect& rect, int dy);
   void updateMarks();
 
@@ -80,5 +82,13 @@ private:
   std::set<int> _breakpoints;
   bool _hiding = false;  // some line may be hidden by a fold
 };
+
+// The blanks and tabs a line begins with.
+VEL_EXPORT QString leadingSpace(const QString& line);
+
+// Replaces `old_text`, which stands at `start` of the document, by `new_text`, changing only the
+// part between their common beginning and end, so that the cursor, folds and marks elsewhere stay;
+// one step to undo.
+VEL_EXPORT void replaceDifference(QTextDocument* document, int start, const QString& old_text, const QString& new_text);
 
 }  // namespace Vel::GEdit

@@ -55,11 +55,16 @@ public:
   QString collected() const { return textOf(_buffer.ptr()); }
   PyObject* buffer() const { return _buffer.ptr(); }
 
+  // Empty when the script closed the buffer (sys.stdout.close()): what it held is gone.
   static QString textOf(PyObject* buffer)
   {
     if (!buffer)
       return QString();
-    return QString::fromStdString(py::handle(buffer).attr("getvalue")().cast<std::string>());
+    try {
+      return QString::fromStdString(py::handle(buffer).attr("getvalue")().cast<std::string>());
+    } catch (const py::error_already_set&) {
+      return QString();
+    }
   }
 
 private:
@@ -248,7 +253,8 @@ public:
   {
     if (!active || text.isEmpty())
       return;
-    const py::list lines = py::str(text.toStdString()).attr("splitlines")(true);
+    // Split as the compiler counts lines: at line feeds only, not at form feeds and the like.
+    const py::list lines = py::module_::import("io").attr("StringIO")(text.toStdString()).attr("readlines")();
     _cache = py::module_::import("linecache").attr("cache");
     _name = py::str(file_name);
     _cache[_name] = py::make_tuple(text.size(), py::none(), lines, _name);
@@ -275,13 +281,7 @@ Execute::Execute(const QString& code) : _code(code) {}
 
 QString Execute::getCollectedOutputSoFar() const
 {
-  if (!_collecting)
-    return _collected;
-  try {
-    return OutputRedirection::textOf(static_cast<PyObject*>(_collecting));
-  } catch (const py::error_already_set&) {
-    return QString();
-  }
+  return _collecting ? OutputRedirection::textOf(static_cast<PyObject*>(_collecting)) : _collected;
 }
 
 Execute Execute::fromSource(const QByteArray& source)

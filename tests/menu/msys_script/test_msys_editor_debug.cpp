@@ -171,13 +171,12 @@ TEST_F(EditorDebugging, StepStartsPausedAndStopRunsFinallyBlocks)
 {
   QString printed;
   open("print('start')\ntry:\n    x = 1\n    x = 2\nfinally:\n    print('cleaned up')\nprint('not reached')\n");
-  const QList<int> lines =
-      debug(Qt::Key_F11, Qt::NoModifier,
-            {[&] { press(Qt::Key_F10); }, [&] { press(Qt::Key_F10); },
-             [&] {
-               printed = dialog.getOutput()->toPlainText();
-               press(Qt::Key_F5, Qt::ShiftModifier);
-             }});
+  const QList<int> lines = debug(Qt::Key_F11, Qt::NoModifier,
+                                 {[&] { press(Qt::Key_F10); }, [&] { press(Qt::Key_F10); },
+                                  [&] {
+                                    printed = dialog.getOutput()->toPlainText();
+                                    press(Qt::Key_F5, Qt::ShiftModifier);
+                                  }});
   EXPECT_EQ(lines, (QList<int>{0, 1, 2}));
   EXPECT_EQ(printed, QStringLiteral("start\n"));
   EXPECT_TRUE(dialog.getOutput()->toPlainText().startsWith(QStringLiteral("start\ncleaned up\n")))
@@ -289,6 +288,14 @@ TEST_F(EditorDebugging, FindReplaceGoToLineAndCommentLines)
   EXPECT_FALSE(editor()->goToLine(99));
   QTest::keyClick(editor(), Qt::Key_Return);
   EXPECT_EQ(editor()->getBreakpoints(), std::set<int>{5});
+  // Text put in front of a marked line takes the mark down with the line; removing the line
+  // removes its mark.
+  QTextCursor(editor()->document()->findBlockByNumber(5)).insertText(QStringLiteral("g = 1\n"));
+  EXPECT_EQ(editor()->getBreakpoints(), std::set<int>{6});
+  QTextCursor line(editor()->document()->findBlockByNumber(6));
+  line.movePosition(QTextCursor::NextBlock, QTextCursor::KeepAnchor);
+  line.removeSelectedText();
+  EXPECT_EQ(editor()->getBreakpoints(), std::set<int>{});
 }
 
 // What a person runs while the editor records becomes lines at the cursor (with the answers the
@@ -352,8 +359,7 @@ TEST_F(EditorDebugging, RecordedCommandsRunAgainDoTheSame)
   script.set(QStringLiteral("parameters"), QVariantMap{{QStringLiteral("log"), log}});
   commands.getCommand(QStringLiteral("sys.execute_script"))->run(script, true);
   UserDefinedDialog::setResponder(nullptr);
-  QTest::mouseClick(dialog.getRecordingWindow()->findChild<QPushButton*>(QStringLiteral("stop_recording")),
-                    Qt::LeftButton);
+  dialog.getRecordingWindow()->close();  // as its Stop Recording button does
   EXPECT_FALSE(dialog.isRecording());
   EXPECT_TRUE(dialog.isVisible());
   const QByteArray done = readFile(log);
