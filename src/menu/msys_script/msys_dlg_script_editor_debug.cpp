@@ -433,8 +433,21 @@ void ScriptEditorDialog::paused(Debugger& debugger, const Debugger::Stop& stop)
     item->setToolTip(QStringLiteral("%1, line %2").arg(_frames[i].file).arg(_frames[i].line));
   }
   QString where = QStringLiteral("%1, line %2").arg(shortName(here.file)).arg(here.line);
-  if (!own)
-    where += QStringLiteral(": ") + debugger.sourceLine(here.file, here.line).trimmed();
+  if (!own) {
+    // Paused in another script (a database script stepped into): its lines around the pause
+    // stand in the console, since the editor shows only its own text.
+    QStringList context{QStringLiteral("-- %1 --").arg(here.file)};
+    for (int line = qMax(1, here.line - 3); line <= here.line + 3; ++line) {
+      const QString source = debugger.sourceLine(here.file, line);
+      if (source.isEmpty() && line > here.line)
+        break;
+      context << QStringLiteral("%1%2  %3")
+                     .arg(line == here.line ? QStringLiteral("->") : QStringLiteral("  "))
+                     .arg(line, 4)
+                     .arg(source);
+    }
+    _console_output->appendPlainText(context.join(QLatin1Char('\n')));
+  }
   switch (stop.reason) {
     case Debugger::Reason::Exception:
       setStatus(QStringLiteral("Stopped by %1 in %2. Continue ends the run.").arg(stop.message, where));

@@ -379,3 +379,27 @@ TEST_F(EditorDebugging, RecordedCommandsRunAgainDoTheSame)
   EXPECT_EQ(readFile(log), done) << qPrintable(dialog.getOutput()->toPlainText()) << qPrintable(dialog.statusText());
   DialogAnswers::reset();
 }
+
+// Step into a function of another script pauses there; the editor, which shows only its own
+// text, puts that script's lines around the pause in the console.
+TEST_F(EditorDebugging, SteppingIntoAnotherScriptShowsItsLinesInTheConsole)
+{
+  ASSERT_TRUE(
+      writeFile(_dir.filePath(QStringLiteral("helper.py")), "def run():\n    value = 41\n    return value + 1\n"));
+  open("import helper\nprint(helper.run())\n");
+  QString console;
+  QString status;
+  const QList<int> lines = debug(Qt::Key_F11, Qt::NoModifier,
+                                 {[&] { press(Qt::Key_F10); }, [&] { press(Qt::Key_F11); },
+                                  [&] {
+                                    console = dialog.getConsoleOutput()->toPlainText();
+                                    status = dialog.statusText();
+                                    press(Qt::Key_F5);
+                                  }});
+  EXPECT_EQ(lines, (QList<int>{0, 1, -1}));
+  EXPECT_TRUE(
+      console.endsWith(QStringLiteral("     1  def run():\n->   2      value = 41\n     3      return value + 1")))
+      << qPrintable(console);
+  EXPECT_EQ(status, QStringLiteral("Paused in helper.py, line 2."));
+  EXPECT_EQ(dialog.getOutput()->toPlainText(), QStringLiteral("42\n"));
+}
