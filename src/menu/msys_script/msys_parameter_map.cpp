@@ -783,6 +783,22 @@ bool sameValue(const QVariant& a, const QVariant& b)
 QString rewriteCall(const QString& text, const ArgumentList& arguments, const QString& command)
 {
   const CommandCall call = readCommandCall(text);
+  // The same arguments in the same order: only the values that changed are written, so that
+  // comments and the layout between them stay.
+  bool same_names = arguments.size() == call.arguments.size();
+  for (qsizetype i = 0; same_names && i < arguments.size(); ++i)
+    same_names = arguments[i].first == call.arguments[i].name;
+  if (same_names) {
+    QString result = text;
+    for (qsizetype i = arguments.size() - 1; i >= 0; --i) {
+      const CallArgument& old = call.arguments[i];
+      if (!sameValue(old.value, arguments[i].second))
+        result.replace(old.value_begin, old.value_end - old.value_begin, writeLiteral(arguments[i].second));
+    }
+    if (!command.isEmpty())
+      result.replace(call.name_begin, call.name_end - call.name_begin, command);
+    return result;
+  }
   QStringList parts;
   for (const auto& [name, value] : arguments) {
     const CallArgument* old = call.find(name);

@@ -233,7 +233,11 @@ TEST(ParameterMapRewrite, ChangesOnlyTheArgumentList)
   const Case cases[] = {
       {"r = zut.script.a.b(x=1,  y='q')  # keep\n",
        {{"x", qlonglong(2)}, {"y", "q"}},
-       "r = zut.script.a.b(x=2, y='q')  # keep\n"},
+       "r = zut.script.a.b(x=2,  y='q')  # keep\n"},
+      // The same names: comments and layout between the arguments stay.
+      {"zut.script.a(\n    x=1,  # why\n    y=2\n)",
+       {{"x", qlonglong(3)}, {"y", qlonglong(2)}},
+       "zut.script.a(\n    x=3,  # why\n    y=2\n)"},
       {"zut.script.a(\n    x=0x10,  # c\n    y=[1]\n)",
        {{"y", QVariantList{qlonglong(1)}}, {"z", tuple({})}},
        "zut.script.a(\n    y=[1],\n    z=()\n)"},
