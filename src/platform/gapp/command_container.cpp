@@ -26,6 +26,7 @@ void CommandContainer::registerCommand(Command* command)
   }
   _commands.emplace(command->getName(), command);
   _sequence.emplace(command, _next_sequence++);
+  ++_generation;
 }
 
 void CommandContainer::unregisterCommand(Command* command)
@@ -34,6 +35,7 @@ void CommandContainer::unregisterCommand(Command* command)
   if (found != _commands.end() && found->second == command)
     _commands.erase(found);
   _sequence.erase(command);
+  ++_generation;
 }
 
 Command* CommandContainer::getCommand(const QString& name) const

@@ -45,6 +45,10 @@ public:
   void updateAllActions();
   uint64_t getUpdateCount() const { return _update_count; }
 
+  // Changes whenever a command is registered or withdrawn: whoever keeps a Command* or a result
+  // of a look-up keeps this number with it and looks again once it differs.
+  uint64_t getGeneration() const { return _generation; }
+
 private:
   CommandContainer() = default;
 
@@ -52,6 +56,7 @@ private:
   std::map<const Command*, uint64_t> _sequence;
   uint64_t _next_sequence = 0;
   uint64_t _update_count = 0;
+  uint64_t _generation = 0;
 };
 
 }  // namespace Vel::GApp

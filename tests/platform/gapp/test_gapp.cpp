@@ -135,11 +135,18 @@ TEST(CommandContainer, OrdersByNameRemembersRegistrationAndOwns)
       in_order.push_back(command);
   EXPECT_EQ(in_order, (std::vector<Command*>{b, a}));
 
+  const uint64_t generation = container.getGeneration();
   container.registerCommand(a);  // the same object again: nothing happens
   EXPECT_THROW(RecordingCommand(QStringLiteral("test.b")), ProgError);
   EXPECT_EQ(container.getCommand(QStringLiteral("test.b")), b) << "the failed duplicate withdrew nothing";
+  EXPECT_EQ(container.getGeneration(), generation) << "nothing changed, kept look-ups stay good";
 
   container.removeCommand(QStringLiteral("test.b"));
+  EXPECT_NE(container.getGeneration(), generation) << "a kept pointer to test.b must be looked up again";
+  const uint64_t removed = container.getGeneration();
+  auto* c = new RecordingCommand(QStringLiteral("test.c"));
+  EXPECT_NE(container.getGeneration(), removed) << "a name that failed before may name a command now";
+  delete c;
   delete a;
   EXPECT_EQ(container.getCommand(QStringLiteral("test.b")), nullptr);
   EXPECT_EQ(container.getCommand(QStringLiteral("test.a.one")), nullptr);
