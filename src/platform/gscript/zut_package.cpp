@@ -3,6 +3,8 @@
 
 #include <pybind11/embed.h>
 
+#include <QVarLengthArray>
+
 #include <cmath>
 
 #include "core/prog_error.h"
@@ -21,27 +23,68 @@ namespace Vel::GScript {
 namespace {
 
 // A dotted part of the command names ("sys", "sys.execute_script"); attribute access goes one
-// level down, a call runs the command of that name.
+// level down, a call runs the command of that name. A script calls the same names over and over,
+// so what a name was found to be is kept until the set of commands changes.
 struct CommandNamespace
 {
+  CommandNamespace(std::string prefix_, bool interactive_)
+      : prefix(std::move(prefix_)), qualified(QString::fromStdString(prefix)), interactive(interactive_)
+  {
+  }
+
   std::string prefix;
+  QString qualified;
   bool interactive = false;
 
   std::string root() const { return interactive ? "zut.interactive" : "zut.script"; }
   std::string path() const { return prefix.empty() ? root() : root() + "." + prefix; }
+
+  // Null when no command has this name. The pointer is only ever used in the generation it was
+  // found in: withdrawing a command changes the generation, so a withdrawn one is looked up
+  // again (and not found) instead of being touched.
+  GApp::Command* command()
+  {
+    const GApp::CommandContainer& container = GApp::CommandContainer::getInstance();
+    if (_command_generation != container.getGeneration()) {
+      _command = container.getCommand(qualified);
+      _command_generation = container.getGeneration();
+    }
+    return _command;
+  }
+
+  // The objects one level down already handed out, by attribute name; emptied once commands
+  // came or went, since a name may have lost its last command.
+  py::dict& children()
+  {
+    const uint64_t generation = GApp::CommandContainer::getInstance().getGeneration();
+    if (_children_generation != generation) {
+      _children.clear();
+      _children_generation = generation;
+    }
+    return _children;
+  }
+
+private:
+  GApp::Command* _command = nullptr;
+  uint64_t _command_generation = UINT64_MAX;
+  py::dict _children;
+  uint64_t _children_generation = UINT64_MAX;
 };
 
-CommandNamespace attribute(const CommandNamespace& self, const std::string& name)
+py::object attribute(CommandNamespace& self, const py::str& name_object)
 {
+  const std::string name = name_object.cast<std::string>();
   // Dunder look-ups (copy, pickle, introspection) are no command names.
   if (name.size() > 1 && name[0] == '_' && name[1] == '_')
     throw py::attribute_error(name);
   const std::string full = self.prefix.empty() ? name : self.prefix + "." + name;
-  const QString qualified = QString::fromStdString(full);
+  CommandNamespace child(full, self.interactive);
   const GApp::CommandContainer& container = GApp::CommandContainer::getInstance();
-  if (!container.getCommand(qualified) && !container.hasCommandsBelow(qualified))
+  if (!child.command() && !container.hasCommandsBelow(child.qualified))
     throw py::attribute_error(self.root() + " has no command '" + full + "'");
-  return CommandNamespace{full, self.interactive};
+  py::object object = py::cast(std::move(child));
+  self.children()[name_object] = object;
+  return object;
 }
 
 [[noreturn]] void raise(const char* class_name, const py::tuple& arguments)
@@ -112,26 +155,41 @@ void answerDialogs(const py::handle& answers)
   }
 }
 
-py::object call(const CommandNamespace& self, const py::args& args, const py::kwargs& kwargs)
+QString toQString(PyObject* text)
 {
-  GApp::Command* command = GApp::CommandContainer::getInstance().getCommand(QString::fromStdString(self.prefix));
+  Py_ssize_t size = 0;
+  const char* utf8 = PyUnicode_AsUTF8AndSize(text, &size);
+  if (!utf8)
+    throw py::error_already_set();
+  return QString::fromUtf8(utf8, qsizetype(size));
+}
+
+py::object call(CommandNamespace& self, PyObject* args, PyObject* kwargs)
+{
+  GApp::Command* command = self.command();
   if (!command)
     throw py::attribute_error(self.root() + " has no command '" + self.prefix + "'");
-  if (!args.empty())
+  if (PyTuple_GET_SIZE(args) != 0)
     throw py::type_error(self.path() + "() takes keyword arguments only");
 
   // Unknown keywords are a TypeError, as for any Python function, before any value is converted.
   GApp::CommandParameters names;
-  for (auto item : kwargs)
-    names.set(QString::fromStdString(item.first.cast<std::string>()), QVariant());
+  QVarLengthArray<std::pair<QString, PyObject*>, 8> given;
+  Py_ssize_t position = 0;
+  PyObject* key = nullptr;
+  PyObject* value = nullptr;
+  while (kwargs && PyDict_Next(kwargs, &position, &key, &value)) {
+    given.append({toQString(key), value});
+    names.set(given.back().first, QVariant());
+  }
   const QString unknown = command->checkArgumentNames(names);
   if (!unknown.isEmpty())
     throw py::type_error(unknown.toStdString());
   GApp::CommandParameters parameters;
-  for (auto item : kwargs) {
+  for (const auto& [name, argument] : given) {
     // None stands for "not given", as the signature's defaults say.
-    if (!item.second.is_none())
-      parameters.set(QString::fromStdString(item.first.cast<std::string>()), toVariant(item.second));
+    if (argument != Py_None)
+      parameters.set(name, toVariant(argument));
   }
 
   try {
@@ -145,11 +203,59 @@ py::object call(const CommandNamespace& self, const py::args& args, const py::kw
   }
 }
 
+// A C++ exception leaving a slot becomes the Python exception pybind11 would have made of it.
+template <class Function>
+PyObject* translated(Function&& function) noexcept
+{
+  try {
+    return function();
+  } catch (...) {
+    if (py::detail::apply_exception_translators(py::detail::get_local_internals().registered_exception_translators))
+      return nullptr;
+    if (py::detail::apply_exception_translators(py::detail::get_internals().registered_exception_translators))
+      return nullptr;
+    PyErr_SetString(PyExc_SystemError, "Exception escaped from default exception translator!");
+    return nullptr;
+  }
+}
+
+CommandNamespace& namespaceOf(PyObject* self)
+{
+  auto* instance = reinterpret_cast<py::detail::instance*>(self);
+  if (void* value = instance->get_value_and_holder().value_ptr())
+    return *static_cast<CommandNamespace*>(value);
+  return py::handle(self).cast<CommandNamespace&>();  // an object never constructed: pybind11's error
+}
+
+// The type's slots, in place of __getattr__ and __call__ methods: Python would first raise and
+// format an AttributeError for every command name before calling __getattr__, and a method
+// call goes through pybind11's overload dispatch.
+PyObject* getAttributeSlot(PyObject* self, PyObject* name)
+{
+  // What the type itself has (methods, properties, __class__) is found as on any object; the
+  // instances have no __dict__, so anything else can only be a command name.
+  if (!PyUnicode_Check(name) || _PyType_Lookup(Py_TYPE(self), name))
+    return PyObject_GenericGetAttr(self, name);
+  return translated([&]() -> PyObject* {
+    CommandNamespace& ns = namespaceOf(self);
+    if (PyObject* child = PyDict_GetItemWithError(ns.children().ptr(), name))
+      return Py_NewRef(child);
+    if (PyErr_Occurred())
+      throw py::error_already_set();
+    return attribute(ns, py::reinterpret_borrow<py::str>(name)).release().ptr();
+  });
+}
+
+PyObject* callSlot(PyObject* self, PyObject* args, PyObject* kwargs)
+{
+  return translated([&] { return call(namespaceOf(self), args, kwargs).release().ptr(); });
+}
+
 // Python's view of the argument table: keyword-only, the optional ones defaulting to None. In an
 // interactive call every argument is optional: the command asks for what is missing.
-py::object signature(const CommandNamespace& self)
+py::object signature(CommandNamespace& self)
 {
-  const GApp::Command* command = GApp::CommandContainer::getInstance().getCommand(QString::fromStdString(self.prefix));
+  const GApp::Command* command = self.command();
   if (!command)
     return py::none();
   py::list arguments;
@@ -176,11 +282,10 @@ py::list names(const CommandNamespace& self)
 }
 
 // What help() shows: a command's call, title and arguments; the names below a namespace.
-std::string doc(const CommandNamespace& self)
+std::string doc(CommandNamespace& self)
 {
   std::string text;
-  if (const GApp::Command* command =
-          GApp::CommandContainer::getInstance().getCommand(QString::fromStdString(self.prefix)))
+  if (const GApp::Command* command = self.command())
     text = self.prefix.substr(self.prefix.rfind('.') + 1) + py::str(signature(self)).cast<std::string>() + "\n\n" +
            command->describe().toStdString();
   const py::list below = names(self);
@@ -308,17 +413,18 @@ PYBIND11_EMBEDDED_MODULE(zut, m)
   using Vel::GScript::CommandNamespace;
   m.doc() = "The application's commands and types.";
   py::exec(Vel::GScript::EXCEPTIONS, m.attr("__dict__"));
-  py::class_<CommandNamespace>(m, "CommandNamespace")
-      .def("__getattr__", &Vel::GScript::attribute)
-      .def("__call__", &Vel::GScript::call)
+  py::class_<CommandNamespace>(m, "CommandNamespace", py::custom_type_setup([](PyHeapTypeObject* type) {
+                                 type->ht_type.tp_getattro = &Vel::GScript::getAttributeSlot;
+                                 type->ht_type.tp_call = &Vel::GScript::callSlot;
+                               }))
       .def("__dir__", &Vel::GScript::names)
       .def_property_readonly("__doc__", &Vel::GScript::doc)
       .def_property_readonly("__signature__", &Vel::GScript::signature)
       .def("__repr__", [](const CommandNamespace& self) { return "<" + self.path() + ">"; });
   Vel::GScript::registerColorType(m);
   Vel::GScript::registerScriptObjects(m);
-  m.attr("script") = CommandNamespace{std::string(), false};
-  m.attr("interactive") = CommandNamespace{std::string(), true};
+  m.attr("script") = CommandNamespace(std::string(), false);
+  m.attr("interactive") = CommandNamespace(std::string(), true);
   m.def("progress", &Vel::GScript::progress, py::arg("done"), py::arg("total"), py::arg("text") = "",
         "Reports the script's progress: done of total, and what is being done.");
   m.def("answer_dialogs", &Vel::GScript::answerDialogs, py::arg("answers"),
