@@ -16,6 +16,7 @@
 
 #include "core/color.h"
 #include "gapp/command.h"
+#include "gapp/command_container.h"
 #include "gapp/main_window.h"
 #include "gapp/progress.h"
 #include "gscript/execute.h"
@@ -67,6 +68,37 @@ public:
       throw GApp::CommandError(QStringLiteral("TestErr-0042"), log);
     }
     setResult(parameters.get(QStringLiteral("value")).getValue());
+  }
+};
+
+// A command that comes and goes while scripts run, as database scripts do; each one made
+// answers with its own number, so a call shows which of them ran.
+class LateCommand : public GApp::Command
+{
+public:
+  explicit LateCommand(const QString& name) : Command(name), _number(++made) {}
+  void execute(const GApp::CommandParameters&) override { setResult(_number); }
+  static inline int made = 0;
+
+private:
+  int _number;
+};
+
+// test.commands(add=NAME) registers a LateCommand, test.commands(remove=NAME) withdraws one.
+class CommandsCommand : public GApp::Command
+{
+public:
+  CommandsCommand() : Command(QStringLiteral("test.commands"))
+  {
+    getMetaInfo().setArgumentTypes({{QStringLiteral("add"), GApp::CommandMetaInfo::TYPE_STRING, QString()},
+                                    {QStringLiteral("remove"), GApp::CommandMetaInfo::TYPE_STRING, QString()}});
+  }
+  void execute(const GApp::CommandParameters& parameters) override
+  {
+    if (parameters.contains(QStringLiteral("add")))
+      new LateCommand(parameters.get(QStringLiteral("add")).getValue().toString());
+    if (parameters.contains(QStringLiteral("remove")))
+      GApp::CommandContainer::getInstance().removeCommand(parameters.get(QStringLiteral("remove")).getValue().toString());
   }
 };
 
@@ -177,6 +209,73 @@ TEST_F(GScriptTest, ScriptsCallCommandsWithKeywordsAndGetTheirResults)
   ASSERT_TRUE(ok.ok) << qPrintable(ok.log);
   EXPECT_EQ(ok.output,
             QStringLiteral("{'a': [1, 2.5, None, True]}\nNone\nGrüße\nTrue <zut.script.test>\n[[1], [[1]]]\n"));
+}
+
+// Namespace objects remember what their names were found to be; commands that come and go
+// while a script keeps such objects must give the same answers as a fresh look-up.
+TEST_F(GScriptTest, KeptNamesFollowCommandsThatComeAndGo)
+{
+  struct Case
+  {
+    const char* what;
+    const char* code;
+    const char* output;
+  };
+  const CommandsCommand commands;
+  for (const Case& c : {
+           Case{"a kept callable and namespace of a withdrawn command fail as unknown names do, and reach a "
+                "command of that name once there is one again",
+                "zut.script.test.commands(add='test.late.one')\n"
+                "f, i, ns = zut.script.test.late.one, zut.interactive.test.late.one, zut.script.test.late\n"
+                "print(f(), i())\n"
+                "zut.script.test.commands(remove='test.late.one')\n"
+                "for call in (f, i, lambda: ns.one, lambda: zut.script.test.late):\n"
+                "    try:\n"
+                "        call()\n"
+                "    except AttributeError as e:\n"
+                "        print(e)\n"
+                "zut.script.test.commands(add='test.late.one')\n"
+                "print(f(), i(), ns.one(), f is zut.script.test.late.one)\n",
+                "1 1\n"
+                "zut.script has no command 'test.late.one'\n"
+                "zut.interactive has no command 'test.late.one'\n"
+                "zut.script has no command 'test.late.one'\n"
+                "zut.script has no command 'test.late'\n"
+                "2 2 2 False\n"},
+           Case{"a name that was unknown names a command added later",
+                "for _ in range(2):\n"
+                "    try:\n"
+                "        print(zut.script.test.late.two())\n"
+                "    except AttributeError as e:\n"
+                "        print(e)\n"
+                "        zut.script.test.commands(add='test.late.two')\n",
+                "zut.script has no command 'test.late'\n1\n"},
+           Case{"a namespace keeps its other commands when one goes",
+                "zut.script.test.commands(add='test.late.a')\n"
+                "zut.script.test.commands(add='test.late.b')\n"
+                "ns = zut.script.test.late\n"
+                "print(dir(ns), ns.a())\n"
+                "zut.script.test.commands(remove='test.late.a')\n"
+                "print(dir(ns), ns.b(), hasattr(ns, 'a'))\n",
+                "['a', 'b'] 1\n['b'] 2 False\n"},
+           Case{"dunder names and the type's own attributes are no commands",
+                "ns = zut.script.test\n"
+                "for name in ('__wrapped__', '__length_hint__'):\n"
+                "    print(hasattr(ns, name), end=' ')\n"
+                "try:\n"
+                "    ns.__wrapped__\n"
+                "except AttributeError as e:\n"
+                "    print(e)\n"
+                "print(repr(ns.echo), type(ns).__name__, callable(ns), ns.echo.__call__(value=3), ns.__dir__() == dir(ns))\n"
+                "print(zut.script.test.echo is ns.echo, zut.interactive.test.echo is ns.echo)\n",
+                "False False __wrapped__\n<zut.script.test.echo> CommandNamespace True 3 True\nTrue False\n"}}) {
+    LateCommand::made = 0;
+    const RunResult result = run(QStringLiteral("import zut\n") + QString::fromLatin1(c.code), QString(), true);
+    EXPECT_TRUE(result.ok) << c.what << "\n" << qPrintable(result.log);
+    EXPECT_EQ(result.output, QString::fromLatin1(c.output)) << c.what;
+    for (const char* name : {"test.late.one", "test.late.two", "test.late.a", "test.late.b"})
+      GApp::CommandContainer::getInstance().removeCommand(QString::fromLatin1(name));
+  }
 }
 
 // Colours and dates travel as zut.Color and datetime.date, in both directions.
