@@ -144,7 +144,9 @@ void CommandMetaInfo::setArgumentTypes(const ArgumentTypes& arguments)
 
 CommandMetaInfo::ArgumentTypes CommandMetaInfo::getArgumentTypes() const
 {
-  return _values.value(KEY_ARGUMENT_TYPES).value<ArgumentTypes>();
+  // Read in place: every command call asks, and a copy of the variant copies the list twice.
+  const auto found = _values.constFind(KEY_ARGUMENT_TYPES);
+  return found == _values.cend() ? ArgumentTypes() : found->value<ArgumentTypes>();
 }
 
 void CommandMetaInfo::setFlags(bool needs_main_window, bool undoable, bool scriptable)

@@ -173,22 +173,24 @@ py::object call(CommandNamespace& self, PyObject* args, PyObject* kwargs)
     throw py::type_error(self.path() + "() takes keyword arguments only");
 
   // Unknown keywords are a TypeError, as for any Python function, before any value is converted.
-  GApp::CommandParameters names;
+  // The names go in first and the values replace them after the check.
+  GApp::CommandParameters parameters;
   QVarLengthArray<std::pair<QString, PyObject*>, 8> given;
   Py_ssize_t position = 0;
   PyObject* key = nullptr;
   PyObject* value = nullptr;
   while (kwargs && PyDict_Next(kwargs, &position, &key, &value)) {
     given.append({toQString(key), value});
-    names.set(given.back().first, QVariant());
+    parameters.set(given.back().first, QVariant());
   }
-  const QString unknown = command->checkArgumentNames(names);
+  const QString unknown = command->checkArgumentNames(parameters);
   if (!unknown.isEmpty())
     throw py::type_error(unknown.toStdString());
-  GApp::CommandParameters parameters;
   for (const auto& [name, argument] : given) {
     // None stands for "not given", as the signature's defaults say.
-    if (argument != Py_None)
+    if (argument == Py_None)
+      parameters.remove(name);
+    else
       parameters.set(name, toVariant(argument));
   }
 
