@@ -98,7 +98,7 @@ public:
     // A run without the argument fails (an interactive run may ask for it first).
     bool required = false;
     // What a run without the argument uses; invalid when the command decides.
-    QVariant default_value;
+    QVariant default_value = QVariant();
   };
   using ArgumentTypes = QList<Argument>;
 
