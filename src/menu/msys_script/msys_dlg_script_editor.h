@@ -137,7 +137,8 @@ private:
   void resumeWith(void (GScript::Debugger::*how)());
   void showFrame(int row);
   void evaluateConsole();
-  // Older command and argument names in the text become the current ones, as one undo step.
+  // Older command and argument names become the current ones: a saved script through the
+  // side-by-side update dialog, unsaved text in place as one undo step.
   void updateReplacedNames();
   // The file of the database script being edited; empty for none.
   QString databaseScriptPath() const;
