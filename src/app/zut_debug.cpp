@@ -5,7 +5,6 @@
 #include <QRegularExpression>
 
 #include <cerrno>
-
 #include <unistd.h>
 
 #include "gscript/debugger.h"
@@ -149,28 +148,21 @@ private:
       return false;
     };
 
-    if (is({"step", "s"})) {
+    // The ways on that take no operand.
+    const struct
+    {
+      std::initializer_list<const char*> names;
+      void (Debugger::*how)();
+    } moves[] = {{{"step", "s"}, &Debugger::stepInto},
+                 {{"next", "n"}, &Debugger::stepOver},
+                 {{"return", "r"}, &Debugger::stepOut},
+                 {{"continue", "c", "cont"}, &Debugger::resume}};
+    for (const auto& move : moves) {
+      if (!is(move.names))
+        continue;
       if (!noOperand())
         return false;
-      debugger.stepInto();
-      return true;
-    }
-    if (is({"next", "n"})) {
-      if (!noOperand())
-        return false;
-      debugger.stepOver();
-      return true;
-    }
-    if (is({"return", "r"})) {
-      if (!noOperand())
-        return false;
-      debugger.stepOut();
-      return true;
-    }
-    if (is({"continue", "c", "cont"})) {
-      if (!noOperand())
-        return false;
-      debugger.resume();
+      (debugger.*move.how)();
       return true;
     }
     if (is({"quit", "q", "exit"})) {
@@ -207,8 +199,7 @@ private:
       if (!location(where, file, target, number))
         return false;
       QString error;
-      const int id =
-          debugger.setBreakpoint(target, number, condition, word == QLatin1String("tbreak"), &error);
+      const int id = debugger.setBreakpoint(target, number, condition, word == QLatin1String("tbreak"), &error);
       if (!id) {
         fail(error);
         return false;

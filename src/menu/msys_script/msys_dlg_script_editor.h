@@ -87,8 +87,7 @@ public:
   // Runs the text; the output pane shows what it printed and, on failure, the error, with the
   // failing line marked in the text. Returns when the run has ended, pauses included.
   bool run();
-  // Runs the text paused at its first line, or until the cursor's line.
-  bool runStepping();
+  // Runs the text until the cursor's line (while paused: goes on to it).
   bool runToCursor();
   bool isBusy() const { return _busy; }
   bool isPaused() const { return _pause_loop != nullptr; }
@@ -135,6 +134,8 @@ private:
   bool startRun(Start start);
   void paused(GScript::Debugger& debugger, const GScript::Debugger::Stop& stop) override;
   void resumeWith(void (GScript::Debugger::*how)());
+  // While paused, resumes so; otherwise starts a run so.
+  void goOn(void (GScript::Debugger::*how)(), Start start);
   void showFrame(int row);
   void evaluateConsole();
   // Older command and argument names become the current ones: a saved script through the

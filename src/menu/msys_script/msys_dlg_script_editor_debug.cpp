@@ -197,31 +197,10 @@ void ScriptEditorDialog::createActions()
          false},
         {"update_names", "Update Replaced Names", QKeySequence(), [this] { updateReplacedNames(); }, false}}},
       {QStringLiteral("&Debug"),
-       {{"run", "Run", QKeySequence(Qt::Key_F5),
-         [this] {
-           if (isPaused())
-             resumeWith(&Debugger::resume);
-           else
-             run();
-         },
-         true},
+       {{"run", "Run", QKeySequence(Qt::Key_F5), [this] { goOn(&Debugger::resume, Start::Run); }, true},
         {"stop", "Stop", QKeySequence(Qt::SHIFT | Qt::Key_F5), [this] { stopRun(); }, true},
-        {"step_into", "Step Into", QKeySequence(Qt::Key_F11),
-         [this] {
-           if (isPaused())
-             resumeWith(&Debugger::stepInto);
-           else
-             runStepping();
-         },
-         true},
-        {"step_over", "Step Over", QKeySequence(Qt::Key_F10),
-         [this] {
-           if (isPaused())
-             resumeWith(&Debugger::stepOver);
-           else
-             runStepping();
-         },
-         true},
+        {"step_into", "Step Into", QKeySequence(Qt::Key_F11), [this] { goOn(&Debugger::stepInto, Start::Step); }, true},
+        {"step_over", "Step Over", QKeySequence(Qt::Key_F10), [this] { goOn(&Debugger::stepOver, Start::Step); }, true},
         {"step_out", "Step Out", QKeySequence(Qt::SHIFT | Qt::Key_F11), [this] { resumeWith(&Debugger::stepOut); },
          true},
         {"run_to_cursor", "Run to Cursor", QKeySequence(Qt::CTRL | Qt::Key_F10), [this] { runToCursor(); }, true},
@@ -301,11 +280,6 @@ QString ScriptEditorDialog::runName() const
 bool ScriptEditorDialog::run()
 {
   return startRun(Start::Run);
-}
-
-bool ScriptEditorDialog::runStepping()
-{
-  return startRun(Start::Step);
 }
 
 bool ScriptEditorDialog::runToCursor()
@@ -478,6 +452,14 @@ void ScriptEditorDialog::paused(Debugger& debugger, const Debugger::Stop& stop)
   _editor->setCurrentLine(-1);
   setStatus(QStringLiteral("Running..."));
   updateActions();
+}
+
+void ScriptEditorDialog::goOn(void (Debugger::*how)(), Start start)
+{
+  if (isPaused())
+    resumeWith(how);
+  else
+    startRun(start);
 }
 
 void ScriptEditorDialog::resumeWith(void (Debugger::*how)())

@@ -78,14 +78,14 @@ void FindBar::start(bool replace)
   _find->selectAll();
 }
 
-int FindBar::findFlags(bool backward) const
+QTextDocument::FindFlags FindBar::findFlags(bool backward) const
 {
   QTextDocument::FindFlags flags;
   if (backward)
     flags |= QTextDocument::FindBackward;
   if (_case->isChecked())
     flags |= QTextDocument::FindCaseSensitively;
-  return int(flags);
+  return flags;
 }
 
 bool FindBar::findNext(bool backward)
@@ -93,7 +93,7 @@ bool FindBar::findNext(bool backward)
   const QString what = _find->text();
   if (what.isEmpty())
     return false;
-  const auto flags = QTextDocument::FindFlags(findFlags(backward));
+  const QTextDocument::FindFlags flags = findFlags(backward);
   QTextDocument* document = _editor->document();
   QTextCursor found = document->find(what, _editor->textCursor(), flags);
   if (found.isNull()) {
@@ -138,7 +138,7 @@ int FindBar::replaceAll()
   if (what.isEmpty() || _editor->isReadOnly())
     return 0;
   QTextDocument* document = _editor->document();
-  const auto flags = QTextDocument::FindFlags(findFlags(false));
+  const QTextDocument::FindFlags flags = findFlags(false);
   QTextCursor edit(document);
   edit.beginEditBlock();
   int count = 0;

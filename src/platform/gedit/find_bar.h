@@ -1,5 +1,6 @@
 #pragma once
 
+#include <QTextDocument>
 #include <QWidget>
 
 #include "core/vel_export.h"
@@ -9,7 +10,6 @@ class QLabel;
 class QLineEdit;
 class QPlainTextEdit;
 class QPushButton;
-class QTextDocument;
 
 namespace Vel::GEdit {
 
@@ -41,7 +41,7 @@ protected:
 
 private:
   bool selectionMatches() const;
-  int findFlags(bool backward) const;
+  QTextDocument::FindFlags findFlags(bool backward) const;
 
   QPlainTextEdit* _editor;
   QLineEdit* _find;
