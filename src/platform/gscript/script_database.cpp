@@ -2,7 +2,6 @@
 
 #include <QCoreApplication>
 #include <QDir>
-#include <QDirIterator>
 #include <QFile>
 #include <QFileInfo>
 #include <QJsonArray>
@@ -11,7 +10,13 @@
 #include <QSaveFile>
 
 #include <algorithm>
+#include <dirent.h>
+#include <fcntl.h>
+#include <functional>
 #include <set>
+#include <strings.h>
+#include <sys/stat.h>
+#include <unistd.h>
 
 #include "gapp/command.h"
 
@@ -31,8 +36,6 @@ ScriptMetadata readMetadata(const QString& script_path, ErrorLog& log)
 {
   ScriptMetadata metadata;
   QFile file(metadataPath(script_path));
-  if (!file.exists())
-    return metadata;
   QJsonParseError error;
   const QJsonDocument document =
       file.open(QIODevice::ReadOnly) ? QJsonDocument::fromJson(file.readAll(), &error) : QJsonDocument();
@@ -89,6 +92,77 @@ QString mangle(const QString& path)
   return name;
 }
 
+bool isHidden(const char* name)
+{
+  return name[0] == '.';
+}
+
+bool hasScriptSuffix(const char* name, size_t length)
+{
+  return length > 3 && strcasecmp(name + length - 3, ".py") == 0;
+}
+
+// Calls found(file name relative to root, whether it has metadata) for every script below root
+// (which ends in "/"):
+// readable "*.py" files (in any case), neither hidden nor in hidden folders, and no folders
+// reached through links. The entry types that readdir gives spare a stat per file, and the
+// metadata files are seen in the same listing, so a database of thousands of scripts is read
+// with one pass over its folders.
+void listScripts(const QString& root, const std::function<void(const QString&, bool)>& found)
+{
+  const QByteArray meta_suffix = META_SUFFIX.toUtf8();
+  std::vector<QByteArray> pending{QByteArray()};  // folders relative to root, "" or "a/b/"
+  const QByteArray root_path = QFile::encodeName(root);
+  while (!pending.empty()) {
+    const QByteArray relative = std::move(pending.back());
+    pending.pop_back();
+    DIR* dir = opendir((root_path + relative).constData());
+    if (!dir)
+      continue;
+    std::vector<QByteArray> files;
+    std::set<QByteArray> metadata;
+    while (const dirent* entry = readdir(dir)) {
+      const char* name = entry->d_name;
+      if (isHidden(name))
+        continue;
+      const size_t length = strlen(name);
+      unsigned char type = entry->d_type;
+      struct stat info;
+      if (type == DT_UNKNOWN) {
+        if (fstatat(dirfd(dir), name, &info, AT_SYMLINK_NOFOLLOW) != 0)
+          continue;
+        type = S_ISDIR(info.st_mode)   ? DT_DIR
+               : S_ISREG(info.st_mode) ? DT_REG
+               : S_ISLNK(info.st_mode) ? DT_LNK
+                                       : DT_UNKNOWN;
+      }
+      if (type == DT_LNK) {
+        // A link counts as the file it names; a folder link is not followed, a broken link is
+        // nothing.
+        if (fstatat(dirfd(dir), name, &info, 0) != 0 || !S_ISREG(info.st_mode))
+          continue;
+        type = DT_REG;
+      }
+      if (type == DT_DIR) {
+        pending.push_back(relative + name + '/');
+      } else if (type == DT_REG) {
+        if (hasScriptSuffix(name, length)) {
+          if (faccessat(dirfd(dir), name, R_OK, 0) == 0)
+            files.emplace_back(name, qsizetype(length));
+        } else if (length > size_t(meta_suffix.size()) &&
+                   QByteArrayView(name, qsizetype(length)).endsWith(meta_suffix)) {
+          metadata.emplace(name, qsizetype(length));
+        }
+      }
+    }
+    closedir(dir);
+    for (const QByteArray& file : files) {
+      const QByteArray meta = file.chopped(PY_SUFFIX.size()) + meta_suffix;
+      found(QFile::decodeName(relative + file), metadata.count(meta) != 0);
+    }
+  }
+}
+
 }  // namespace
 
 QString Script::getQualifiedName() const
@@ -100,7 +174,9 @@ QString Script::getDisplayName() const
 {
   if (!_metadata.display_name.isEmpty())
     return _metadata.display_name;
-  return QFileInfo(_file_name).completeBaseName();
+  // The file's name without its folders and its ".py".
+  const QString name = _file_name.mid(_file_name.lastIndexOf(QLatin1Char('/')) + 1);
+  return name.left(name.lastIndexOf(QLatin1Char('.')));
 }
 
 QString Script::getIconPath() const
@@ -185,18 +261,17 @@ void ScriptDatabase::scanLevel(int level, std::map<QString, std::unique_ptr<Scri
   const QString root = levelRoot(level);
   if (root.isEmpty() || !QFileInfo(root).isDir())
     return;
-  const QDir root_dir(root);
-  QDirIterator it(root, {QStringLiteral("*.py")}, QDir::Files | QDir::Readable, QDirIterator::Subdirectories);
-  while (it.hasNext()) {
-    const QString path = it.next();
+  const QString base = QDir::cleanPath(root) + QLatin1Char('/');
+  listScripts(base, [&](const QString& file_name, bool has_metadata) {
     auto script = std::make_unique<Script>();
-    script->_file_name = root_dir.relativeFilePath(path);
-    script->_path = path;
+    script->_file_name = file_name;
+    script->_path = base + file_name;
     script->_level = level;
-    script->_metadata = readMetadata(path, log);
+    if (has_metadata)
+      script->_metadata = readMetadata(script->_path, log);
     // A higher level hides the script of the same name below it.
     scripts[script->_file_name] = std::move(script);
-  }
+  });
 }
 
 void ScriptDatabase::scan() const
@@ -210,9 +285,10 @@ void ScriptDatabase::scan() const
 
   for (const auto& entry : _scripts) {
     const Script* script = entry.second.get();
-    QString folder = entry.first.section(QLatin1Char('/'), 0, -2);
     bool direct = true;
-    while (!folder.isEmpty()) {
+    for (qsizetype slash = entry.first.lastIndexOf(QLatin1Char('/')); slash > 0;
+         slash = entry.first.lastIndexOf(QLatin1Char('/'), slash - 1)) {
+      const QString folder = entry.first.left(slash);
       auto& slot = _folders[folder];
       if (!slot) {
         slot = std::make_unique<ScriptFolder>();
@@ -222,7 +298,6 @@ void ScriptDatabase::scan() const
       if (direct)
         slot->_scripts.push_back(script);
       direct = false;
-      folder = folder.section(QLatin1Char('/'), 0, -2);
     }
   }
   _scanned = true;
@@ -233,23 +308,26 @@ void ScriptDatabase::nameCommands() const
   std::map<QString, std::vector<Script*>> by_name;
   for (const auto& entry : _scripts)
     by_name[makeScriptCommandName(entry.second->getQualifiedName())].push_back(entry.second.get());
-  std::set<QString> taken;
-  for (const auto& entry : by_name)
-    taken.insert(entry.first);
+  // Names given to the second and later scripts of a name; the first scripts' names are the keys.
+  std::set<QString> numbered;
+  const QString prefix = QString::fromLatin1(GApp::SCRIPT_COMMAND_PREFIX);
   for (auto& entry : by_name) {
     std::vector<Script*>& scripts = entry.second;
-    const QString prefix = QString::fromLatin1(GApp::SCRIPT_COMMAND_PREFIX);
     // The name that needs no change keeps its command whatever else is added to the database.
-    std::stable_partition(scripts.begin(), scripts.end(), [&](const Script* script) {
-      return prefix + QString(script->getQualifiedName()).replace(QLatin1Char('/'), QLatin1Char('.')) == entry.first;
-    });
+    if (scripts.size() > 1)
+      std::stable_partition(scripts.begin(), scripts.end(), [&](const Script* script) {
+        return prefix + QString(script->getQualifiedName()).replace(QLatin1Char('/'), QLatin1Char('.')) ==
+               entry.first;
+      });
     scripts.front()->_command_name = entry.first;
     int number = 2;
     for (auto it = std::next(scripts.begin()); it != scripts.end(); ++it) {
-      while (taken.count(entry.first + QStringLiteral("_%1").arg(number)))
-        ++number;
-      (*it)->_command_name = entry.first + QStringLiteral("_%1").arg(number);
-      taken.insert((*it)->_command_name);
+      QString name;
+      do
+        name = entry.first + QStringLiteral("_%1").arg(number++);
+      while (by_name.count(name) || numbered.count(name));
+      (*it)->_command_name = name;
+      numbered.insert(name);
     }
   }
 }

@@ -195,6 +195,33 @@ TEST_F(ScriptDatabaseTest, HigherLevelsHideLowerOnesAndMetadataIsRead)
   EXPECT_EQ(database->getFolder(QStringLiteral("tools"))->getConfigLevel(), GScript::LEVEL_PUBLIC);
 }
 
+// What the folders hold against what the database lists: hidden names and folder links are
+// passed over, a file link is the script it names, and the ".py" may be written in any case.
+TEST_F(ScriptDatabaseTest, TheListingFollowsFileLinksButNeitherHiddenNamesNorFolderLinks)
+{
+  add(GScript::LEVEL_USER, QStringLiteral("a/b/deep.name.py"), "pass\n");
+  add(GScript::LEVEL_USER, QStringLiteral("LOUD.PY"), "pass\n");
+  add(GScript::LEVEL_USER, QStringLiteral(".hidden.py"), "pass\n");
+  add(GScript::LEVEL_USER, QStringLiteral(".git/inside.py"), "pass\n");
+  const QString target = add(GScript::LEVEL_SYSTEM, QStringLiteral("elsewhere/target.py"), "pass\n");
+  add(GScript::LEVEL_SYSTEM, QStringLiteral("elsewhere/target.meta.json"), R"({"display_name": "Target"})");
+  const QDir user(root(GScript::LEVEL_USER));
+  ASSERT_TRUE(QFile::link(target, user.filePath(QStringLiteral("linked.py"))));
+  ASSERT_TRUE(QFile::link(QFileInfo(target).path() + QStringLiteral("/target.meta.json"),
+                          user.filePath(QStringLiteral("linked.meta.json"))));
+  ASSERT_TRUE(QFile::link(user.filePath(QStringLiteral("a")), user.filePath(QStringLiteral("folder link"))));
+  ASSERT_TRUE(QFile::link(user.filePath(QStringLiteral("gone.py")), user.filePath(QStringLiteral("broken.py"))));
+
+  DatabaseLock database;
+  QStringList listed;
+  for (const GScript::Script* script : database->getAllScripts())
+    if (script->getConfigLevel() == GScript::LEVEL_USER)
+      listed << script->getFileName() + QLatin1Char('=') + script->getDisplayName();
+  EXPECT_EQ(listed.join(QLatin1Char(' ')), QStringLiteral("LOUD.PY=LOUD a/b/deep.name.py=deep.name linked.py=Target"));
+  EXPECT_NE(database->getFolder(QStringLiteral("a")), nullptr);
+  EXPECT_EQ(database->getFolder(QStringLiteral(".git")), nullptr);
+}
+
 TEST_F(ScriptDatabaseTest, ReplacedCommandNamesAreWrittenReadAndReachTheScriptCommand)
 {
   GScript::ScriptMetadata metadata;
