@@ -362,8 +362,8 @@ bool Execute::execute(int /*gui_mode*/, int flags, QString& error_code, ErrorLog
       quoted.emplace(_quote_own_text && !_from_source, file_name, _code);
       if (Debugger* debugger = Debugger::active())
         debugger->sourceCompiled(QString::fromStdString(file_name), _from_source ? _source : _code.toUtf8());
-      const py::object compiled = _from_source ? compileModule(_source, false, file_name)
-                                               : compileModule(_code.toUtf8(), true, file_name);
+      const py::object compiled =
+          _from_source ? compileModule(_source, false, file_name) : compileModule(_code.toUtf8(), true, file_name);
       PyObject* result = PyEval_EvalCode(compiled.ptr(), globals.ptr(), globals.ptr());
       if (!result)
         throw py::error_already_set();
