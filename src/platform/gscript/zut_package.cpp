@@ -12,6 +12,7 @@
 #include "gapp/command.h"
 #include "gapp/command_container.h"
 #include "gapp/progress.h"
+#include "gscript/embedded_python.h"
 #include "gscript/gui_handler.h"
 #include "gscript/import_handler.h"
 #include "gscript/python_values.h"
@@ -299,95 +300,6 @@ std::string doc(CommandNamespace& self)
   return text;
 }
 
-const char* const EXCEPTIONS = R"(
-class CommandError(Exception):
-    """A command failed: its error code, the code's message and the command's log."""
-
-    def __init__(self, code, message, log):
-        super().__init__(code, message, log)
-        self.code = code
-        self.message = message
-        self.log = log
-
-    def __str__(self):
-        text = self.code + ": " + self.message if self.message else self.code
-        return text + "\n" + self.log if self.log else text
-
-
-class ScriptTypeError(Exception):
-    """An object refused an attribute assignment."""
-
-
-def _command_signature(arguments):
-    from inspect import Parameter, Signature
-    return Signature([Parameter(name, Parameter.KEYWORD_ONLY, **({} if required else {"default": None}))
-                      for name, required in arguments])
-)";
-
-// Modules that Python's own finders do not find are looked for among the import handler
-// sources. The finder comes last in sys.meta_path, so a script never hides a module of the
-// standard library. Module "a.b" is the name "a/b.py"; "a" is a package when a name begins
-// with "a/". Names that are no identifiers ("my tools/x.py") are reached with importlib.
-const char* const IMPORT_HOOK = R"(
-import sys as _sys
-
-
-class _SourceFinder:
-    @classmethod
-    def find_spec(cls, fullname, path=None, target=None):
-        import importlib.util
-        stem = fullname.replace(".", "/")
-        names = _import_names()
-        if stem + ".py" in names:
-            return importlib.util.spec_from_loader(fullname, cls, origin=stem + ".py")
-        prefix = stem + "/"
-        if any(name.startswith(prefix) for name in names):
-            package = importlib.util.spec_from_loader(fullname, cls, origin=stem, is_package=True)
-            package.submodule_search_locations = []
-            return package
-        return None
-
-    @staticmethod
-    def create_module(module_spec):
-        return None
-
-    @staticmethod
-    def exec_module(module):
-        origin = module.__spec__.origin
-        if origin.endswith(".py"):
-            module.__file__ = origin
-            exec(compile(_import_source(origin), origin, "exec"), module.__dict__)
-
-
-if not any(finder is _SourceFinder for finder in _sys.meta_path):
-    _sys.meta_path.append(_SourceFinder)
-)";
-
-// The top-level statements of a text, each as (command name or "", first line, last line);
-// a command is a call of a prefixed dotted name, alone or as an assignment's value.
-const char* const SCRIPT_ELEMENTS = R"(
-def _script_elements(text, prefixes):
-    import ast
-
-    def dotted(node):
-        parts = []
-        while isinstance(node, ast.Attribute):
-            parts.append(node.attr)
-            node = node.value
-        if not isinstance(node, ast.Name):
-            return None
-        parts.append(node.id)
-        return ".".join(reversed(parts))
-
-    elements = []
-    for statement in ast.parse(text).body:
-        value = getattr(statement, "value", None) if isinstance(statement, (ast.Expr, ast.Assign, ast.AnnAssign)) else None
-        name = dotted(value.func) if isinstance(value, ast.Call) else None
-        is_command = name is not None and any(name.startswith(prefix + ".") for prefix in prefixes)
-        elements.append((name if is_command else "", statement.lineno - 1, statement.end_lineno - 1))
-    return elements
-)";
-
 py::list importNames()
 {
   py::list names;
@@ -414,7 +326,7 @@ PYBIND11_EMBEDDED_MODULE(zut, m)
 {
   using Vel::GScript::CommandNamespace;
   m.doc() = "The application's commands and types.";
-  py::exec(Vel::GScript::EXCEPTIONS, m.attr("__dict__"));
+  Vel::GScript::runEmbeddedPython("exceptions", m.attr("__dict__"));
   py::class_<CommandNamespace>(m, "CommandNamespace", py::custom_type_setup([](PyHeapTypeObject* type) {
                                  type->ht_type.tp_getattro = &Vel::GScript::getAttributeSlot;
                                  type->ht_type.tp_call = &Vel::GScript::callSlot;
@@ -435,6 +347,6 @@ PYBIND11_EMBEDDED_MODULE(zut, m)
         "the accepting one).");
   m.def("_import_names", &Vel::GScript::importNames);
   m.def("_import_source", &Vel::GScript::importSource);
-  py::exec(Vel::GScript::IMPORT_HOOK, m.attr("__dict__"));
-  py::exec(Vel::GScript::SCRIPT_ELEMENTS, m.attr("__dict__"));
+  Vel::GScript::runEmbeddedPython("import_hook", m.attr("__dict__"));
+  Vel::GScript::runEmbeddedPython("script_elements", m.attr("__dict__"));
 }
