@@ -15,8 +15,9 @@ namespace {
 constexpr int LINES_AT_ONCE = 1000;
 // How long one idle step colours before the event loop goes on.
 constexpr qint64 STEP_NSECS = 4000000;
-// From so many lines on, colouring reads the text of the document at once.
-constexpr int MANY_LINES = 256;
+// From so many lines on, colouring reads the text of the document at once; more than a change
+// colours at once, so that typing never copies the document.
+constexpr int MANY_LINES = 2 * LINES_AT_ONCE;
 
 }  // namespace
 
@@ -236,6 +237,24 @@ void SyntaxHighlighterAdapter::overlappingRanges(const std::vector<TextHighlight
   }
 }
 
+void SyntaxHighlighterAdapter::keepPreedit(const QTextLayout* layout, QList<QTextLayout::FormatRange>* ranges)
+{
+  // Text being composed by an input method is in the layout only, with formats of its own: those
+  // stay, and the line's ranges make room for it.
+  const int start = layout->preeditAreaPosition();
+  const int length = int(layout->preeditAreaText().size());
+  if (length == 0)
+    return;
+  for (QTextLayout::FormatRange& range : *ranges)
+    if (range.start >= start)
+      range.start += length;
+    else if (range.start + range.length >= start)
+      range.length += length;
+  for (const QTextLayout::FormatRange& range : layout->formats())
+    if (range.start >= start && range.start + range.length <= start + length)
+      ranges->append(range);
+}
+
 int SyntaxHighlighterAdapter::lineState(const QTextBlock& block)
 {
   const int state = block.userState();
@@ -280,6 +299,7 @@ bool SyntaxHighlighterAdapter::colourBlock(QTextBlock block, const QString& text
   }
   block.setUserState(ranges.isEmpty() ? *end_state : *end_state | HAS_FORMATS);
   QTextLayout* layout = block.layout();
+  keepPreedit(layout, &ranges);
   if (had_formats && layout->formats() == ranges)
     return false;
   layout->setFormats(ranges);

@@ -97,6 +97,7 @@ private:
   // Colours one line; false when its formats stayed as they were.
   bool colourBlock(QTextBlock block, const QString& text, int number, int state, int* end_state);
   static int lineState(const QTextBlock& block);
+  static void keepPreedit(const QTextLayout* layout, QList<QTextLayout::FormatRange>* ranges);
   size_t formatIndex(const QColor& color, int style);
   void shareFormats(const QTextLayout* layout);
   void overlappingRanges(const std::vector<TextHighlighter::Format>& runs, int length,
