@@ -36,13 +36,7 @@ SyntaxHighlighterAdapter::SyntaxHighlighterAdapter(TextHighlighter* highlighter,
   _idle.setInterval(0);
   connect(&_idle, &QTimer::timeout, this, &SyntaxHighlighterAdapter::colourStep);
   connect(document, &QTextDocument::contentsChange, this, &SyntaxHighlighterAdapter::contentsChange);
-  connect(highlighter, &TextHighlighter::signalUpdate, this, [this](int line) {
-    _char_formats.clear();
-    _coloured = qBound(0, line, _coloured);
-    scheduleRest();
-    if (_view)
-      _view->viewport()->update();
-  });
+  connect(highlighter, &TextHighlighter::signalUpdate, this, &SyntaxHighlighterAdapter::rehighlightFrom);
   if (!document->isEmpty())
     scheduleRest();
 }
@@ -54,9 +48,15 @@ SyntaxHighlighterAdapter::SyntaxHighlighterAdapter(TextHighlighter* highlighter,
   view->viewport()->installEventFilter(this);
 }
 
-void SyntaxHighlighterAdapter::rehighlight()
+void SyntaxHighlighterAdapter::rehighlightFrom(int line)
 {
-  Q_EMIT _highlighter->signalUpdate(0);
+  // The lines below keep their old colours until they are coloured anew; what the view shows is
+  // coloured before its next paint.
+  _char_formats.clear();
+  _coloured = qBound(0, line, _coloured);
+  scheduleRest();
+  if (_view)
+    _view->viewport()->update();
 }
 
 bool SyntaxHighlighterAdapter::isComplete() const

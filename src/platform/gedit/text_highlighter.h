@@ -74,11 +74,14 @@ public:
   // Follows the view's document and colours what the view shows first.
   SyntaxHighlighterAdapter(TextHighlighter* highlighter, QPlainTextEdit* view);
 
-  // Colours the whole document again, the part the view shows first (the colours changed).
-  void rehighlight();
+  // Colours the document again from a line (0-based) on, what the view shows first: the word
+  // lists or the colours changed.
+  void rehighlightFrom(int line);
+  void rehighlight() { rehighlightFrom(0); }
   // Colours whatever is still to be coloured now.
   void colourAll() { colourUpTo(-1); }
-  // Lines up to `line` (0-based; -1 for the last) carry their colours when this returns.
+  // Lines up to `line` (0-based; -1 for the last) carry their colours when this returns. Not
+  // inside an edit block of the document, whose pending change it would hand to the layout early.
   void colourUpTo(int line);
   // How many lines from the top carry their colours; the rest is still to be coloured.
   int colouredLines() const { return _coloured; }
