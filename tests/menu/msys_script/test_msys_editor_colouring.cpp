@@ -4,6 +4,7 @@
 #include <QTextBlock>
 #include <QTextLayout>
 
+#include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
 #include "gedit/source_editor.h"
@@ -178,4 +179,27 @@ TEST(EditorColouring, ALineScrolledToIsColouredBeforeItIsPainted)
   const int bottom = top + editor.viewport()->height() / editor.fontMetrics().lineSpacing();
   ASSERT_GE(adapterOf(editor)->colouredLines(), bottom);
   EXPECT_EQ(shownRuns(editor.document(), top, bottom), scannedRuns(editor.toPlainText(), *highlighter, top, bottom));
+}
+
+TEST(EditorColouring, TextAnInputMethodComposesKeepsItsLookAndMovesTheColoursAfterIt)
+{
+  auto* highlighter = new PythonHighlighter;
+  GEdit::SourceEditor editor(new PythonParser, highlighter);
+  editor.setPlainText(QStringLiteral("x = 'text'"));
+  QTextCursor cursor(editor.document());
+  cursor.setPosition(4);
+  editor.setTextCursor(cursor);
+  QTextCharFormat underline;
+  underline.setFontUnderline(true);
+  QInputMethodEvent compose(QStringLiteral("ab"), {{QInputMethodEvent::TextFormat, 0, 2, underline}});
+  QCoreApplication::sendEvent(&editor, &compose);
+
+  std::vector<std::tuple<int, int, bool, QRgb>> ranges;
+  for (const QTextLayout::FormatRange& range : editor.document()->firstBlock().layout()->formats())
+    ranges.emplace_back(
+        range.start, range.length, range.format.fontUnderline(),
+        range.format.hasProperty(QTextFormat::ForegroundBrush) ? range.format.foreground().color().rgba() : QRgb(0));
+  const QRgb string = highlighter->getColor(PythonHighlighter::ROLE_STRING).rgba();
+  EXPECT_THAT(ranges, ::testing::UnorderedElementsAre(std::make_tuple(6, 6, false, string),
+                                                      std::make_tuple(4, 2, true, QRgb(0))));
 }
