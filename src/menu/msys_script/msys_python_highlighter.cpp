@@ -3,6 +3,7 @@
 #include <QDebug>
 
 #include <algorithm>
+#include <climits>
 #include <vector>
 
 #include "core/prog_error.h"
@@ -79,6 +80,8 @@ const QColor& PythonHighlighter::getColor(ColorRole_t role) const
 void PythonHighlighter::setColor(ColorRole_t role, const QColor& color)
 {
   _colors[role] = color;
+  if (role >= 0 && role < ROLE_COUNT)
+    _role_colors[role] = color;
 }
 
 void PythonHighlighter::updateConfiguration()
@@ -93,6 +96,8 @@ void PythonHighlighter::updateConfiguration()
              {ROLE_SCRIPT_COMMAND, QColor(232, 93, 1)},
              {ROLE_EDITOR_MARK, QColor(180, 56, 56)},
              {ROLE_EDITOR_BACKGROUND, QColor(255, 255, 255)}};
+  for (const auto& [role, color] : _colors)
+    _role_colors[role] = color;
   Q_EMIT signalUpdate(0);
 }
 
@@ -124,6 +129,7 @@ void PythonHighlighter::updateDatabase(const GScript::ScriptDatabase* database)
   if (database)
     for (const GScript::Script* item : database->getAllScripts())
       _database_scripts.insert(QStringLiteral("%1.%2").arg(script, item->getCommandName()));
+  indexWords();
   Q_EMIT signalUpdate(0);
 }
 
@@ -133,43 +139,72 @@ void PythonHighlighter::update(const GScript::ScriptDatabase* database)
     highlighter->updateDatabase(database);
 }
 
-void PythonHighlighter::colourWord(const QString& word, int start)
+void PythonHighlighter::indexWords()
 {
-  if (_keywords.contains(word))
-    setFormat(start, int(word.size()), getColor(ROLE_KEYWORD), STYLE_BOLD, ROLE_KEYWORD);
-  else if (_special_methods.contains(word))
-    setFormat(start, int(word.size()), getColor(ROLE_SPECIAL_METHOD), STYLE_NORMAL, ROLE_SPECIAL_METHOD);
-  else if (_builtins.contains(word))
-    setFormat(start, int(word.size()), getColor(ROLE_BUILTIN), STYLE_NORMAL, ROLE_BUILTIN);
-  else if (_interactive_commands.contains(word) || _database_scripts.contains(word))
-    setFormat(start, int(word.size()), getColor(ROLE_INTERACTIVE_COMMAND), STYLE_NORMAL, ROLE_INTERACTIVE_COMMAND);
-  else if (_script_commands.contains(word))
-    setFormat(start, int(word.size()), getColor(ROLE_SCRIPT_COMMAND), STYLE_NORMAL, ROLE_SCRIPT_COMMAND);
+  // One table for all the sets. A word in several takes the role of the first set in the order
+  // of the lookup; the sets go in backwards, so that the earlier ones overwrite.
+  _words.clear();
+  const std::pair<const QSet<QString>*, ColorRole_t> sets[] = {
+      {&_script_commands, ROLE_SCRIPT_COMMAND},           {&_database_scripts, ROLE_INTERACTIVE_COMMAND},
+      {&_interactive_commands, ROLE_INTERACTIVE_COMMAND}, {&_builtins, ROLE_BUILTIN},
+      {&_special_methods, ROLE_SPECIAL_METHOD},           {&_keywords, ROLE_KEYWORD}};
+  _first_letters.fill(false);
+  _shortest_word = INT_MAX;
+  _longest_word = 0;
+  bool other_first_letter = false;
+  for (const auto& [set, role] : sets)
+    for (const QString& word : *set) {
+      _words.insert(word, role);
+      const char16_t first = word.isEmpty() ? 0 : word.front().unicode();
+      if (first < _first_letters.size())
+        _first_letters[first] = true;
+      else
+        other_first_letter = true;
+      _shortest_word = std::min(_shortest_word, int(word.size()));
+      _longest_word = std::max(_longest_word, int(word.size()));
+    }
+  _other_first_letter = other_first_letter;
+}
+
+void PythonHighlighter::colourWord(const QChar* word, int start, int length)
+{
+  // Most words are in no set: a cheap look at the first letter and the length sorts out many.
+  const char16_t first = word->unicode();
+  if (length < _shortest_word || length > _longest_word ||
+      !(first < _first_letters.size() ? _first_letters[first] : _other_first_letter))
+    return;
+  const auto found = _words.constFind(QString::fromRawData(word, length));
+  if (found == _words.constEnd())
+    return;
+  const ColorRole_t role = found.value();
+  setFormat(start, length, _role_colors[role], role == ROLE_KEYWORD ? STYLE_BOLD : STYLE_NORMAL, role);
 }
 
 int PythonHighlighter::highlightLine(unsigned int, const QString& text, int state)
 {
   const int length = int(text.size());
+  const QChar* const chars = text.constData();
+  const QColor& string_color = _role_colors[ROLE_STRING];
   int i = 0;
   int string_start = 0;  // where the string that is open began on this line
   while (i < length) {
-    const QChar c = text[i];
+    const QChar c = chars[i];
     switch (state) {
       case STATE_PLAIN:
         if (startsWord(c)) {
           const int start = i;
-          while (i < length && continuesWord(text[i]))
+          while (i < length && continuesWord(chars[i]))
             ++i;
-          colourWord(text.mid(start, i - start), start);
+          colourWord(chars + start, start, i - start);
           continue;
         }
         if (c == QLatin1Char('#')) {
-          setFormat(i, length - i, getColor(ROLE_COMMENT), STYLE_NORMAL, ROLE_COMMENT);
+          setFormat(i, length - i, _role_colors[ROLE_COMMENT], STYLE_NORMAL, ROLE_COMMENT);
           return STATE_PLAIN;
         }
         if (c == QLatin1Char('\'') || c == QLatin1Char('"')) {
           string_start = i;
-          const bool triple = i + 2 < length && text[i + 1] == c && text[i + 2] == c;
+          const bool triple = i + 2 < length && chars[i + 1] == c && chars[i + 2] == c;
           if (triple) {
             state = c == QLatin1Char('\'') ? STATE_TRIPLE_SINGLE : STATE_TRIPLE_DOUBLE;
             i += 3;
@@ -188,7 +223,7 @@ int PythonHighlighter::highlightLine(unsigned int, const QString& text, int stat
           i += 2;
         } else if (c == quote) {
           ++i;
-          setFormat(string_start, i - string_start, getColor(ROLE_STRING), STYLE_NORMAL, ROLE_STRING);
+          setFormat(string_start, i - string_start, string_color, STYLE_NORMAL, ROLE_STRING);
           state = STATE_PLAIN;
         } else {
           ++i;
@@ -198,9 +233,9 @@ int PythonHighlighter::highlightLine(unsigned int, const QString& text, int stat
       case STATE_TRIPLE_SINGLE:
       case STATE_TRIPLE_DOUBLE: {
         const QChar quote = state == STATE_TRIPLE_SINGLE ? QLatin1Char('\'') : QLatin1Char('"');
-        if (c == quote && i + 2 < length && text[i + 1] == quote && text[i + 2] == quote) {
+        if (c == quote && i + 2 < length && chars[i + 1] == quote && chars[i + 2] == quote) {
           i += 3;
-          setFormat(string_start, i - string_start, getColor(ROLE_STRING), STYLE_NORMAL, ROLE_STRING);
+          setFormat(string_start, i - string_start, string_color, STYLE_NORMAL, ROLE_STRING);
           state = STATE_PLAIN;
         } else {
           ++i;
@@ -213,7 +248,7 @@ int PythonHighlighter::highlightLine(unsigned int, const QString& text, int stat
     }
   }
   if (state != STATE_PLAIN && state != STATE_RESERVED)
-    setFormat(string_start, std::min(i, length) - string_start, getColor(ROLE_STRING), STYLE_NORMAL, ROLE_STRING);
+    setFormat(string_start, std::min(i, length) - string_start, string_color, STYLE_NORMAL, ROLE_STRING);
   return state;
 }
 

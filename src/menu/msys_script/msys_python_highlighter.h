@@ -1,9 +1,11 @@
 #pragma once
 
 #include <QColor>
+#include <QHash>
 #include <QSet>
 #include <QString>
 
+#include <array>
 #include <map>
 
 #include "gapp/data_change_notifier.h"
@@ -63,17 +65,27 @@ public:
   static void update(const GScript::ScriptDatabase* database);
 
 private:
+  static constexpr int ROLE_COUNT = ROLE_EDITOR_BACKGROUND + 1;
+
   void updateConfiguration();
   void slotDataChanged(Vel::GApp::DataChangedReason_t reason);
-  void colourWord(const QString& word, int start);
+  void indexWords();
+  void colourWord(const QChar* word, int start, int length);
 
   std::map<ColorRole_t, QColor> _colors;
+  std::array<QColor, ROLE_COUNT> _role_colors;  // the same colours, for the scanner
   QSet<QString> _keywords;
   QSet<QString> _special_methods;
   QSet<QString> _builtins;
   QSet<QString> _interactive_commands;
   QSet<QString> _script_commands;
   QSet<QString> _database_scripts;
+  // Every word of the sets above with the role it takes.
+  QHash<QString, ColorRole_t> _words;
+  std::array<bool, 128> _first_letters{};  // ASCII letters some word of the table starts with
+  bool _other_first_letter = false;
+  int _shortest_word = 0;
+  int _longest_word = 0;
 };
 
 }  // namespace Vel::MSysScript

@@ -41,7 +41,7 @@ SourceEditor::SourceEditor(TextParser* parser, TextHighlighter* highlighter, QWi
 {
   parser->setParent(this);
   highlighter->setParent(this);
-  _adapter = new SyntaxHighlighterAdapter(highlighter, document());
+  _adapter = new SyntaxHighlighterAdapter(highlighter, this);
   QTextDocument* doc = document();
   parser->setLineSource([doc](int line) { return doc->findBlockByNumber(line).text(); },
                         [doc] { return doc->blockCount(); });
