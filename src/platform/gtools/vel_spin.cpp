@@ -93,7 +93,9 @@ void Vel_BaseSpin::setDisplayFactor(double factor, int extra_digits, const QStri
   const double stored = value();
   _factor = factor;
   _extra_digits = extra_digits;
-  _spin->setSuffix(suffix);
+  // The spin box lays its text out anew for every suffix, the same one too.
+  if (_spin->suffix() != suffix)
+    _spin->setSuffix(suffix);
   updateSpin();
   if (_batches > 0) {
     _pending_value = stored;
@@ -162,8 +164,8 @@ bool Vel_BaseSpin::settledShownValue(double stored, double* shown) const
 {
   const int decimals = std::clamp(static_cast<int>(_digits) + _extra_digits, 0, DBL_MAX_10_EXP + DBL_DIG);
   const auto rounded = [decimals](double value) {
-    // From 2^53 on every double is a whole number, which its decimal text gives back unchanged.
-    if (!std::isfinite(value) || std::abs(value) >= 0x1p53)
+    // A whole number's decimal text gives it back unchanged, at any decimals.
+    if (!std::isfinite(value) || value == std::trunc(value))
       return value;
     return QString::number(value, 'f', decimals).toDouble();
   };
