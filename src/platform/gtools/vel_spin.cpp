@@ -9,11 +9,14 @@
 #include <cmath>
 #include <limits>
 
+#include "gtools/quiet_layout.h"
+
 Vel_BaseSpin::Vel_BaseSpin(QWidget* parent)
     : QWidget(parent), _spin(new QDoubleSpinBox(this)), _pending_value(std::numeric_limits<double>::quiet_NaN())
 {
-  auto* layout = new QHBoxLayout(this);
+  auto* layout = new QHBoxLayout;
   layout->setContentsMargins(0, 0, 0, 0);
+  Vel::GTools::setQuietLayout(this, layout);
   layout->addWidget(_spin);
   setFocusProxy(_spin);
   // The spin box starts with this one's defaults.
