@@ -296,12 +296,60 @@ namespace {
 constexpr int MAX_DEPTH = 256;
 constexpr qsizetype MAX_TEXT_LENGTH = 64 * 1024 * 1024;
 
+// True when the elements are certainly nested no deeper than MAX_DEPTH, from a glance at the
+// tags. It counts as the reader does up to the reader's first fault, after which the reader
+// counts no more; a doctype, whose entities may hold elements, leaves it unsure.
+bool surelyShallow(QStringView text)
+{
+  const auto skipPast = [&text](qsizetype from, QStringView end) {
+    const qsizetype at = text.indexOf(end, from);
+    return at < 0 ? text.size() : at + end.size();
+  };
+  int depth = 0;
+  for (qsizetype at = text.indexOf(u'<'); at >= 0; at = text.indexOf(u'<', at)) {
+    const QStringView tag = text.mid(at + 1);
+    if (tag.startsWith(u'/')) {
+      --depth;
+      at += 2;
+    } else if (tag.startsWith(u'?')) {
+      at = skipPast(at + 2, u"?>");
+    } else if (tag.startsWith(u"!--")) {
+      at = skipPast(at + 4, u"-->");
+    } else if (tag.startsWith(u"![CDATA[")) {
+      at = skipPast(at + 9, u"]]>");
+    } else if (tag.startsWith(u'!')) {
+      return false;
+    } else {
+      // A start tag ends at the first '>' outside its quoted values; an empty one is entered too.
+      QChar quote;
+      qsizetype end = at + 1;
+      for (; end < text.size(); ++end) {
+        const QChar c = text[end];
+        if (!quote.isNull())
+          quote = c == quote ? QChar() : quote;
+        else if (c == u'"' || c == u'\'')
+          quote = c;
+        else if (c == u'>')
+          break;
+      }
+      if (depth + 1 > MAX_DEPTH)
+        return false;
+      if (end < text.size() && text[end - 1] != u'/')
+        ++depth;
+      at = end;
+    }
+  }
+  return true;
+}
+
 void checkShape(const QString& text)
 {
   if (text.size() > MAX_TEXT_LENGTH)
     throw Xml::ParseException(
         errorText("Parse error: %1").arg(QStringLiteral("the definition is larger than %1 MB").arg(MAX_TEXT_LENGTH >> 20)),
         1);
+  if (surelyShallow(text))
+    return;
   QXmlStreamReader reader(text);
   int depth = 0;
   while (!reader.atEnd()) {

@@ -6,6 +6,7 @@
 #include <QHBoxLayout>
 #include <QLineEdit>
 #include <QPushButton>
+#include <QScopedValueRollback>
 #include <QVariantMap>
 
 #include <algorithm>
@@ -185,7 +186,10 @@ bool NumberWidget::checkConfiguration(QString* error) const
 
 void NumberWidget::parseXml(const QDomNode& node)
 {
-  DialogWidget::parseXml(node);
+  {
+    const QScopedValueRollback reading(_reading, true);
+    DialogWidget::parseXml(node);
+  }
   const Vel_BaseSpin::Batch batch(_spin);
   const Unit* unit = Unit::getUnit(valueOr<QString>(node, TAG_UNIT, QString()));
   if (unit)
@@ -292,6 +296,8 @@ void NumberWidget::setValueLimits(const ValueLimits& limits)
 void NumberWidget::updateWidget()
 {
   DialogWidget::updateWidget();
+  if (_reading)
+    return;
   const QString sheet = _spin->property("background_style").toString();
   if (_spin->styleSheet() != sheet)
     _spin->setStyleSheet(sheet);

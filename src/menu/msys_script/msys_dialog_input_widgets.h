@@ -45,6 +45,8 @@ protected:
 
 private:
   Vel_Spin* _spin;
+  // While the common part is read: the spin is brought up to date once the rest is.
+  bool _reading = false;
 };
 
 class IntegerWidget : public DialogWidget

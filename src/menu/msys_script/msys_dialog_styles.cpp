@@ -10,10 +10,9 @@ namespace Vel::MSysScript {
 
 namespace {
 
-// The platform's own look: the dialog's body takes the window colour and nothing else changes.
-const char* const STANDARD_SHEET = R"(
-QDialog, Vel--MSysScript--DialogStyleWidget { background-color: palette(window); }
-)";
+// The platform's own look is a dialog's without a sheet: its body lets the window colour through.
+// A sheet, even one that changes nothing, would restyle every element of the dialog one by one.
+const char* const STANDARD_SHEET = "";
 
 // A touch screen needs targets a finger can hit and text readable at arm's length.
 const char* const TOUCH_SHEET = R"(

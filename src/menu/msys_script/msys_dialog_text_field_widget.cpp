@@ -4,6 +4,7 @@
 #include <QHBoxLayout>
 #include <QLayout>
 #include <QPushButton>
+#include <QScopedValueRollback>
 #include <QTextBrowser>
 #include <QTextDocument>
 #include <QVBoxLayout>
@@ -32,7 +33,8 @@ TextFieldWidget::TextFieldWidget() : DialogWidget(TYPE_ID), _browser(new QTextBr
   _browser->setOpenExternalLinks(true);
   innerLayout(this)->addWidget(_browser);
   setFocusProxy(_browser);
-  updateWidget();
+  // A new browser already shows the empty text, wrapped at its width.
+  DialogWidget::updateWidget();
 }
 
 // As high as the text needs at the usual width, from a few lines to the browser's own height: a
@@ -51,7 +53,11 @@ QSize TextFieldWidget::sizeHint() const
 
 void TextFieldWidget::parseXml(const QDomNode& node)
 {
-  DialogWidget::parseXml(node);
+  {
+    // The text is laid out once, when all is read: a browser lays out every text it is given.
+    const QScopedValueRollback reading(_reading, true);
+    DialogWidget::parseXml(node);
+  }
   const QString text = Xml::hasChild(node, TAG_TEXT) ? Xml::getCData(node, TAG_TEXT) : QString();
   const bool word_wrap = valueOr(node, TAG_WORDWRAP, true);
   _text = text;
@@ -106,6 +112,8 @@ std::vector<AttributeInfo> TextFieldWidget::getAttributeInfo() const
 void TextFieldWidget::updateWidget()
 {
   DialogWidget::updateWidget();
+  if (_reading)
+    return;
   _browser->setLineWrapMode(_word_wrap ? QTextEdit::WidgetWidth : QTextEdit::NoWrap);
   // Markup is shown formatted, anything else as it was written.
   if (Qt::mightBeRichText(_text))

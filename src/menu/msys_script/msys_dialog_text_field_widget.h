@@ -47,6 +47,8 @@ private:
   // As given: the browser would hand back its own, much longer markup.
   QString _text;
   bool _word_wrap = true;
+  // While the common part is read: the text follows with the rest.
+  bool _reading = false;
 };
 
 // The window in which a person edits a text field's text: a frame holding the rich-text editor,

@@ -1,14 +1,15 @@
 #include "menu/msys_script/msys_dialog_widget_tools.h"
 
-#include <QIODevice>
 #include <QDataStream>
 #include <QHBoxLayout>
+#include <QIODevice>
 
 #include <limits>
 
 #include "core/parse_binary.h"
 #include "core/python_string.h"
 #include "core/translate.h"
+#include "gtools/quiet_layout.h"
 #include "menu/msys_script/msys_error_codes.h"
 
 namespace Vel::MSysScript::WidgetTools {
@@ -161,8 +162,9 @@ QImage imageArg(const QVariant& value)
 
 QHBoxLayout* innerLayout(QWidget* widget)
 {
-  auto* layout = new QHBoxLayout(widget);
+  auto* layout = new QHBoxLayout;
   layout->setContentsMargins(0, 0, 0, 0);
+  GTools::setQuietLayout(widget, layout);
   return layout;
 }
 

@@ -56,7 +56,7 @@ QDomNode createImage(QDomDocument* document, const QString& tag, const QImage& i
 // bytes clear it.
 QImage imageArg(const QVariant& value);
 
-// A layout that lets the inner control fill the element.
+// A layout that lets the inner control fill the element, laid out when the element is first shown.
 QHBoxLayout* innerLayout(QWidget* widget);
 
 // A tag that is missing stands for its default, whatever the element held before.

@@ -67,17 +67,20 @@ UserDefinedDialog::UserDefinedDialog(const QString& content)
   outer->setContentsMargins(0, 0, 0, 0);
   auto* body = new DialogStyleWidget(this);
   body->setObjectName(QStringLiteral("_body"));
-  if (const DialogStyle* style = DialogStyleDatabase::findStyle(_definition->header.style))
+  if (const DialogStyle* style = DialogStyleDatabase::findStyle(_definition->header.style);
+      style && !style->getStyleSheet().isEmpty())
     body->setStyleSheet(style->getStyleSheet());
   outer->addWidget(body);
   auto* layout = new QVBoxLayout(body);
   auto* grid = new QGridLayout;
   grid->setObjectName(QStringLiteral("_grid"));
-  layout->addLayout(grid, 1);
+  // Filled before it joins the body: the elements move into the body together, not each with a
+  // layout request of its own.
   for (const DialogDefinition::Cell& cell : _definition->getCells()) {
     grid->addWidget(cell.widget, cell.row, cell.column, cell.row_span, cell.column_span);
     connect(cell.widget, &DialogWidget::signalModified, this, &UserDefinedDialog::slotElementModified);
   }
+  layout->addLayout(grid, 1);
 
   const DialogControlCreator* creator = DialogRegistry::getRegistry()->getControlCreator(_definition->header.control_id);
   _control = creator->createControl();

@@ -1,20 +1,26 @@
 #include "gtools/vel_spin.h"
 
 #include <QDoubleSpinBox>
+#include <QEvent>
 #include <QHBoxLayout>
 
 #include <algorithm>
+#include <cfloat>
 #include <cmath>
 #include <limits>
+
+#include "gtools/quiet_layout.h"
 
 Vel_BaseSpin::Vel_BaseSpin(QWidget* parent)
     : QWidget(parent), _spin(new QDoubleSpinBox(this)), _pending_value(std::numeric_limits<double>::quiet_NaN())
 {
-  auto* layout = new QHBoxLayout(this);
+  auto* layout = new QHBoxLayout;
   layout->setContentsMargins(0, 0, 0, 0);
+  Vel::GTools::setQuietLayout(this, layout);
   layout->addWidget(_spin);
   setFocusProxy(_spin);
-  updateSpin();
+  // The spin box starts with this one's defaults.
+  _spin->installEventFilter(this);
   connect(_spin, &QDoubleSpinBox::valueChanged, this, [this](double shown) { Q_EMIT valueChanged(shown * _factor); });
 }
 
@@ -32,10 +38,21 @@ void Vel_BaseSpin::setMaxValue(double value)
 
 void Vel_BaseSpin::setValue(double value)
 {
-  if (_batches > 0)
+  if (_batches > 0) {
     _pending_value = value;
-  else
-    _spin->setValue(value / _factor);
+    return;
+  }
+  double shown = 0.0;
+  if (_unsettled && settledShownValue(value, &shown)) {
+    // What the spin box would report, as it would report it.
+    if (shown != _unsettled_shown) {
+      _unsettled_shown = shown;
+      Q_EMIT valueChanged(shown * _factor);
+    }
+    return;
+  }
+  settle();
+  _spin->setValue(value / _factor);
 }
 
 Vel_BaseSpin::Batch::Batch(Vel_BaseSpin* spin) : _spin(spin)
@@ -63,7 +80,15 @@ void Vel_BaseSpin::setLineStep(double step)
 
 double Vel_BaseSpin::value() const
 {
-  return std::isnan(_pending_value) ? _spin->value() * _factor : _pending_value;
+  if (!std::isnan(_pending_value))
+    return _pending_value;
+  return (_unsettled ? _unsettled_shown : _spin->value()) * _factor;
+}
+
+QDoubleSpinBox* Vel_BaseSpin::spinBox() const
+{
+  settle();
+  return _spin;
 }
 
 void Vel_BaseSpin::setDisplayFactor(double factor, int extra_digits, const QString& suffix)
@@ -71,26 +96,45 @@ void Vel_BaseSpin::setDisplayFactor(double factor, int extra_digits, const QStri
   const double stored = value();
   _factor = factor;
   _extra_digits = extra_digits;
-  _spin->setSuffix(suffix);
+  // The spin box lays its text out anew for every suffix, the same one too.
+  if (_spin->suffix() != suffix)
+    _spin->setSuffix(suffix);
   updateSpin();
   if (_batches > 0) {
     _pending_value = stored;
     return;
   }
+  double shown = 0.0;
+  if (_unsettled && settledShownValue(stored, &shown)) {
+    _unsettled_shown = shown;
+    return;
+  }
+  settle();
   const QSignalBlocker blocker(_spin);
-  setValue(stored);
+  _spin->setValue(stored / _factor);
 }
 
 // The inner spin box works in the shown unit; a changed range keeps the value as far as the
 // new limits allow, without reporting a change that the user did not make.
-// Only what changed is handed on: the spin box rounds its limits through their decimal text at
-// every change, which for the widest limits (the largest doubles) costs a big-number formatting.
 void Vel_BaseSpin::updateSpin()
 {
   if (_batches > 0)
     return;
   const double stored = value();
   _pending_value = std::numeric_limits<double>::quiet_NaN();
+  double shown = 0.0;
+  if (_unsettled && settledShownValue(stored, &shown)) {
+    _unsettled_shown = shown;
+    return;
+  }
+  settle();
+  pushToSpin(stored / _factor);
+}
+
+// Only what changed is handed on: the spin box rounds its limits through their decimal text at
+// every change, which for the widest limits (the largest doubles) costs a big-number formatting.
+void Vel_BaseSpin::pushToSpin(double shown) const
+{
   const QSignalBlocker blocker(_spin);
   const int decimals = std::max(0, static_cast<int>(_digits) + _extra_digits);
   if (_spin->decimals() != decimals)
@@ -101,8 +145,48 @@ void Vel_BaseSpin::updateSpin()
     _spin->setRange(minimum, maximum);
   if (_spin->singleStep() != _step / _factor)
     _spin->setSingleStep(_step / _factor);
-  if (_spin->value() != stored / _factor)
-    _spin->setValue(stored / _factor);
+  if (_spin->value() != shown)
+    _spin->setValue(shown);
+}
+
+void Vel_BaseSpin::settle() const
+{
+  if (!_unsettled)
+    return;
+  _unsettled = false;
+  _spin->removeEventFilter(const_cast<Vel_BaseSpin*>(this));
+  pushToSpin(_unsettled_shown);
+  // Its text shows the value, as after any value set.
+  const QSignalBlocker blocker(_spin);
+  _spin->setValue(_spin->value());
+}
+
+// As the spin box does it: limits and value are rounded to the decimals through their text, the
+// maximum is at least the minimum, and the value is kept between them.
+bool Vel_BaseSpin::settledShownValue(double stored, double* shown) const
+{
+  const int decimals = std::clamp(static_cast<int>(_digits) + _extra_digits, 0, DBL_MAX_10_EXP + DBL_DIG);
+  const auto rounded = [decimals](double value) {
+    // A whole number's decimal text gives it back unchanged, at any decimals.
+    if (!std::isfinite(value) || value == std::trunc(value))
+      return value;
+    return QString::number(value, 'f', decimals).toDouble();
+  };
+  const double minimum = rounded(_min / _factor);
+  const double maximum = std::max(minimum, rounded(_max / _factor));
+  const double value = rounded(stored / _factor);
+  if (std::isnan(minimum) || std::isnan(maximum) || std::isnan(value))
+    return false;
+  *shown = value < minimum ? minimum : value > maximum ? maximum : value;
+  return true;
+}
+
+bool Vel_BaseSpin::eventFilter(QObject* watched, QEvent* event)
+{
+  // Polished before it is first shown or measured: from then on it holds every setting.
+  if (watched == _spin && event->type() == QEvent::Polish)
+    settle();
+  return QWidget::eventFilter(watched, event);
 }
 
 Vel_Spin::Vel_Spin(QWidget* parent) : Vel_BaseSpin(parent) {}

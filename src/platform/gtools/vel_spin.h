@@ -26,7 +26,8 @@ public:
   double maxValue() const { return _max; }
   unsigned digits() const { return _digits; }
 
-  QDoubleSpinBox* spinBox() const { return _spin; }
+  // The inner spin box, holding every setting made so far.
+  QDoubleSpinBox* spinBox() const;
 
   // Holds the settings made while it lives and hands them to the spin box at once when it
   // ends: each change of limits or digits is a costly step of the spin box.
@@ -48,9 +49,16 @@ Q_SIGNALS:
 protected:
   // Shown value = stored value / factor; 1 without a unit.
   void setDisplayFactor(double factor, int extra_digits, const QString& suffix);
+  bool eventFilter(QObject* watched, QEvent* event) override;
 
 private:
   void updateSpin();
+  void pushToSpin(double shown) const;
+  // Hands the settings kept so far to the spin box; from then on it takes each as it is made.
+  void settle() const;
+  // The value the spin box would show with the current settings, computed as it computes it;
+  // false where that cannot be told without it.
+  bool settledShownValue(double stored, double* shown) const;
 
   QDoubleSpinBox* _spin;
   double _min = 0.0;
@@ -62,6 +70,12 @@ private:
   int _batches = 0;
   // The value set while a batch lasts; NaN for none.
   double _pending_value;
+  // Until the spin box is first polished or read, the settings are kept here and not handed on:
+  // it would round the limits of every change through their decimal text, and the widest limits
+  // (the largest doubles, the default of a number field) cost a big-number formatting each time.
+  mutable bool _unsettled = true;
+  // The value the spin box will show once settled, in its unit.
+  double _unsettled_shown = 0.0;
 };
 
 // A spin box for a measured value: the value stays in the internal unit (millimetre, degree,

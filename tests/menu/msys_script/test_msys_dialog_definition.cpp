@@ -150,6 +150,48 @@ INSTANTIATE_TEST_SUITE_P(
         HeaderCase{"old_touch_styles", "<style>TouchDark</style>", "automatic", "always_toplevel", 0, "Touch screen"}),
     [](const ::testing::TestParamInfo<HeaderCase>& info) { return std::string(info.param.what); });
 
+// How deep the elements of a definition nest, counted as the XML reader counts them: comments,
+// sections and quoted values hold no elements, an empty element is entered too.
+TEST(DialogDefinition, RefusesElementsNestedDeeperThanTheLimit)
+{
+  const auto nested = [](int levels, const char* open, const char* innermost) {
+    QString text;
+    for (int i = 0; i < levels; ++i)
+      text += QString::fromLatin1(open);
+    text += QString::fromLatin1(innermost);
+    for (int i = 0; i < levels; ++i)
+      text += QStringLiteral("</x>");
+    return text;
+  };
+  const QString deep = QStringLiteral("Parse error: elements are nested deeper than 256 levels");
+  // The root and "extra" are two levels.
+  const struct
+  {
+    const char* what;
+    QString extra;
+    QString fault;
+  } cases[] = {
+      {"at_the_limit", nested(254, "<x>", ""), QString()},
+      {"past_the_limit", nested(255, "<x>", ""), deep},
+      {"empty_element_past_the_limit", nested(254, "<x>", "<y/>"), deep},
+      {"quoted_closings", nested(255, "<x a=\"/>\" b='>'>", ""), deep},
+      {"in_a_comment", QStringLiteral("<!--%1-->").arg(nested(300, "<x>", "")), QString()},
+      {"in_a_section", QStringLiteral("<![CDATA[%1]]>").arg(nested(300, "<x>", "")), QString()},
+      {"in_an_instruction", QStringLiteral("<?note %1?>").arg(nested(300, "<x>", "")), QString()},
+  };
+  for (const auto& c : cases) {
+    const QString text = dialogWith(QStringLiteral("<extra>%1</extra>").arg(c.extra),
+                                    QStringLiteral("<content rows=\"0\" columns=\"0\"/>"));
+    try {
+      read(text);
+      EXPECT_TRUE(c.fault.isEmpty()) << c.what;
+    } catch (const Xml::ParseException& error) {
+      EXPECT_EQ(error.getParseMessage(), c.fault) << c.what;
+      EXPECT_EQ(error.getLine(), 4) << c.what;
+    }
+  }
+}
+
 TEST(DialogDefinition, UncoveredCellsHoldPlaceholdersAndSpansCoverTheirCells)
 {
   const auto definition = read(dialogWith(

@@ -1,3 +1,5 @@
+#include <QApplication>
+#include <QGridLayout>
 #include <QPushButton>
 #include <QSignalSpy>
 #include <QTest>
@@ -251,6 +253,35 @@ TEST(DialogControls, WizardStepsAreControlEvents)
   EXPECT_EQ(layout->itemAt(1)->widget()->objectName(), QStringLiteral("_prev"));
   EXPECT_EQ(layout->itemAt(2)->widget()->objectName(), QStringLiteral("_next"));
   EXPECT_EQ(control->getDefaultButton()->objectName(), QStringLiteral("_next"));
+}
+
+// Elements are built hidden and laid out once shown: every type's controls fill it then, and again
+// when the dialog grows.
+TEST(DialogWidget, EveryTypeLaysOutItsControlsWhenShownAndResized)
+{
+  const DialogRegistry* registry = TestElement::registryWithTestElement();
+  for (auto entry = registry->getWidgetCreatorBegin(); entry != registry->getWidgetCreatorEnd(); ++entry) {
+    QWidget window;
+    auto* grid = new QGridLayout(&window);
+    DialogWidget* element = entry->second->createWidget();
+    grid->addWidget(element, 0, 0);
+    window.show();
+    QApplication::processEvents();
+    for (const QSize grow : {QSize(), QSize(120, 60)}) {
+      window.resize(window.size() + grow);
+      QApplication::processEvents();
+      if (!element->layout())
+        continue;
+      EXPECT_EQ(element->layout()->geometry(), element->rect()) << entry->first.toStdString();
+      // An image element without an image takes no room.
+      for (QWidget* child : element->findChildren<QWidget*>(Qt::FindDirectChildrenOnly)) {
+        if (child->isVisible() && !element->rect().isEmpty()) {
+          EXPECT_TRUE(element->rect().contains(child->geometry()))
+              << entry->first.toStdString() << " " << child->metaObject()->className();
+        }
+      }
+    }
+  }
 }
 
 TEST(DialogControls, ASeparatorEntryCannotMakeAControlRow)

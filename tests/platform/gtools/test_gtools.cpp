@@ -50,6 +50,56 @@ TEST(VelSpin, ClampsToItsLimitsAndKeepsTheValueInTheInternalUnit)
   EXPECT_NEAR(spin.spinBox()->value(), 50.8, 1e-9);
 }
 
+struct SpinCase
+{
+  double minimum, maximum, value;
+  unsigned digits;
+  const char* unit;  // null for none
+};
+
+// Settings made before the spin box is first polished or read reach it later, at once: what the
+// spin tells and reports then is what a spin box that took each setting at once tells.
+TEST(VelSpin, TellsTheSameBeforeAndAfterItsSpinBoxTakesTheSettings)
+{
+  const double huge = std::numeric_limits<double>::max();
+  for (const SpinCase& c :
+       {SpinCase{-huge, huge, 0.0, 2, nullptr}, SpinCase{-huge, huge, 1e300, 2, nullptr},
+        SpinCase{-1000, 1000, 12.3456, 3, nullptr}, SpinCase{-1000, 1000, 5000, 3, nullptr},
+        SpinCase{0.004, 10, 0, 2, nullptr}, SpinCase{10, 0, 5.5, 1, nullptr}, SpinCase{0, 100, 0.125, 2, nullptr},
+        SpinCase{-huge, huge, 25.4, 2, "inch"}, SpinCase{0, 10, 7.77, 0, "inch"}, SpinCase{-huge, 0, 3, 4, nullptr}}) {
+    const auto apply = [&c](Vel_Spin& spin, bool batched) {
+      std::optional<Vel_BaseSpin::Batch> batch;
+      if (batched)
+        batch.emplace(&spin);
+      spin.setDigits(c.digits);
+      spin.setMinValue(c.minimum);
+      spin.setMaxValue(c.maximum);
+      if (c.unit)
+        spin.setUnit(*Vel::Unit::getUnit(QString::fromLatin1(c.unit)));
+      spin.setValue(c.value);
+    };
+    for (const bool batched : {false, true}) {
+      Vel_Spin settled;
+      settled.spinBox();
+      QSignalSpy settled_changed(&settled, &Vel_BaseSpin::valueChanged);
+      apply(settled, batched);
+      Vel_Spin fresh;
+      QSignalSpy fresh_changed(&fresh, &Vel_BaseSpin::valueChanged);
+      apply(fresh, batched);
+      EXPECT_EQ(fresh.value(), settled.value()) << c.value << " batched " << batched;
+      EXPECT_EQ(fresh_changed.count(), settled_changed.count()) << c.value << " batched " << batched;
+      for (int i = 0; i < std::min(fresh_changed.count(), settled_changed.count()); ++i)
+        EXPECT_EQ(fresh_changed[i][0].toDouble(), settled_changed[i][0].toDouble());
+      fresh.adjustSize();
+      EXPECT_EQ(fresh.spinBox()->value(), settled.spinBox()->value()) << c.value;
+      EXPECT_EQ(fresh.spinBox()->minimum(), settled.spinBox()->minimum()) << c.minimum;
+      EXPECT_EQ(fresh.spinBox()->maximum(), settled.spinBox()->maximum()) << c.maximum;
+      EXPECT_EQ(fresh.spinBox()->decimals(), settled.spinBox()->decimals());
+      EXPECT_EQ(fresh.spinBox()->text(), settled.spinBox()->text()) << c.value;
+    }
+  }
+}
+
 struct SliderCase
 {
   double minimum, maximum, set, expected;
