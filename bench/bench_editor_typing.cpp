@@ -45,15 +45,17 @@ QStringList generatedLines(int count)
   return lines.mid(0, count);
 }
 
+// The first `count` lines of the script, each ended by a line feed as in a file.
 QStringList scriptLines(int count)
 {
   static const QStringList all = [] {
     QFile file(qEnvironmentVariable("ZUT_BENCH_PY"));
     if (!file.fileName().isEmpty() && file.open(QIODevice::ReadOnly))
       return QString::fromUtf8(file.readAll()).split(QLatin1Char('\n'));
-    return generatedLines(100000);
+    return generatedLines(100000) << QString();
   }();
-  return all.size() >= count ? all.mid(0, count) : generatedLines(count);
+  QStringList lines = all.size() > count ? all.mid(0, count) : generatedLines(count);
+  return lines << QString();
 }
 
 // Times one edit of the middle line; `undo` puts the text back, untimed.
