@@ -125,12 +125,16 @@ void BM_EditorDeleteLine(benchmark::State& state)
 }
 
 // Short top-level functions with a nested statement each; a statement goes into the middle one.
-QStringList functionLines(int functions)
+// As methods of one class, nothing stands at the top level.
+QStringList functionLines(int functions, const QString& indentation = QString())
 {
   QStringList lines;
+  if (!indentation.isEmpty())
+    lines << QStringLiteral("class Everything:");
   for (int i = 0; i < functions; ++i)
-    lines << QStringLiteral("def function%1(a, b):").arg(i) << QStringLiteral("    c = a + b")
-          << QStringLiteral("    if c > 0:") << QStringLiteral("        return c") << QStringLiteral("    return -c")
+    lines << indentation + QStringLiteral("def function%1(a, b):").arg(i)
+          << indentation + QStringLiteral("    c = a + b") << indentation + QStringLiteral("    if c > 0:")
+          << indentation + QStringLiteral("        return c") << indentation + QStringLiteral("    return -c")
           << QString();
   return lines;
 }
@@ -138,7 +142,8 @@ QStringList functionLines(int functions)
 // A parser reading a line list that the benchmark edits.
 struct ListParser
 {
-  explicit ListParser(int functions) : lines(functionLines(functions))
+  explicit ListParser(int functions, const QString& indentation = QString())
+      : lines(functionLines(functions, indentation))
   {
     parser.setLineSource([this](int line) { return lines.value(line); }, [this] { return int(lines.size()); });
     parser.parse();
@@ -182,6 +187,20 @@ void BM_ParseAfterInsertedLine(benchmark::State& state)
   }
 }
 
+// The worst case: the re-parse runs from the class to the end of the text.
+void BM_ParseAfterInsertedLineInOneClass(benchmark::State& state)
+{
+  ListParser list(int(state.range(0)), QStringLiteral("    "));
+  const int at = middleStatement(int(state.range(0))) + 1;
+  for (auto _ : state) {
+    list.lines.insert(at, QStringLiteral("    d = c * 2"));
+    const auto start = Clock::now();
+    list.parser.textInserted(at, 1);
+    state.SetIterationTime(std::chrono::duration<double>(Clock::now() - start).count());
+    list.remove(at);
+  }
+}
+
 void BM_ParseAfterDeletedLine(benchmark::State& state)
 {
   ListParser list(int(state.range(0)));
@@ -202,6 +221,7 @@ BENCHMARK(BM_EditorInsertLine)->Arg(1000)->Arg(100000)->Unit(benchmark::kMicrose
 BENCHMARK(BM_EditorDeleteLine)->Arg(1000)->Arg(100000)->Unit(benchmark::kMicrosecond)->UseManualTime();
 BENCHMARK(BM_ParseAll)->Arg(1000)->Arg(16000)->Unit(benchmark::kMicrosecond);
 BENCHMARK(BM_ParseAfterInsertedLine)->Arg(1000)->Arg(16000)->Unit(benchmark::kMicrosecond)->UseManualTime();
+BENCHMARK(BM_ParseAfterInsertedLineInOneClass)->Arg(1000)->Arg(16000)->Unit(benchmark::kMicrosecond)->UseManualTime();
 BENCHMARK(BM_ParseAfterDeletedLine)->Arg(1000)->Arg(16000)->Unit(benchmark::kMicrosecond)->UseManualTime();
 
 int main(int argc, char** argv)
