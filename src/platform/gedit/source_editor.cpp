@@ -71,7 +71,11 @@ SourceEditor::SourceEditor(TextParser* parser, TextHighlighter* highlighter, QWi
   setTabWidth(4);
 
   connect(doc, &QTextDocument::contentsChange, this, &SourceEditor::contentsChanged);
-  connect(this, &QPlainTextEdit::blockCountChanged, this, [this] { setViewportMargins(marginWidth(), 0, 0, 0); });
+  // Only a new number of digits widens the margin; setting the same margins lays the area out again.
+  connect(this, &QPlainTextEdit::blockCountChanged, this, [this] {
+    if (viewportMargins().left() != marginWidth())
+      setViewportMargins(marginWidth(), 0, 0, 0);
+  });
   connect(this, &QPlainTextEdit::updateRequest, this, &SourceEditor::updateMargin);
   setViewportMargins(marginWidth(), 0, 0, 0);
   parser->parse();
