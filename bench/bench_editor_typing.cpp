@@ -2,7 +2,8 @@
 // highlighter, fold margin): one character, one new line and one deleted line in the middle of
 // the text, from the document change to the re-coloured line, without painting; and the block
 // parser alone: the re-parse after one inserted or deleted line against a full parse.
-// ZUT_BENCH_PY names the script to use (its first N lines); without it a script is generated.
+// ZUT_BENCH_PY names the script to use (N lines around its middle); without it a script is
+// generated.
 
 #include <QFile>
 #include <QStringList>
@@ -45,7 +46,8 @@ QStringList generatedLines(int count)
   return lines.mid(0, count);
 }
 
-// The first `count` lines of the script, each ended by a line feed as in a file.
+// `count` lines from the middle of the script, each ended by a line feed as in a file; the
+// middle line, the one edited, is the same whatever the count.
 QStringList scriptLines(int count)
 {
   static const QStringList all = [] {
@@ -54,7 +56,7 @@ QStringList scriptLines(int count)
       return QString::fromUtf8(file.readAll()).split(QLatin1Char('\n'));
     return generatedLines(100000) << QString();
   }();
-  QStringList lines = all.size() > count ? all.mid(0, count) : generatedLines(count);
+  QStringList lines = all.size() > count ? all.mid(all.size() / 2 - count / 2, count) : generatedLines(count);
   return lines << QString();
 }
 
