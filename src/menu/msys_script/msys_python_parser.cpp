@@ -47,8 +47,13 @@ int PythonParser::computeIndentationLevel(const QString& line) const
 
 QString PythonParser::stripTrailingComment(const QString& line)
 {
+  return line.left(commentStart(line));
+}
+
+qsizetype PythonParser::commentStart(QStringView line)
+{
   bool escaped = false, in_single = false, in_double = false;
-  for (int i = 0; i < line.size(); ++i) {
+  for (qsizetype i = 0; i < line.size(); ++i) {
     const QChar c = line[i];
     if (escaped) {
       escaped = false;
@@ -61,15 +66,20 @@ QString PythonParser::stripTrailingComment(const QString& line)
     else if (c == QLatin1Char('"') && !in_single)
       in_double = !in_double;
     else if (c == QLatin1Char('#') && !in_single && !in_double)
-      return line.left(i);
+      return i;
   }
-  return line;
+  return line.size();
 }
 
 bool PythonParser::isCommandStartLine(const QString& line) const
 {
-  const int equals = int(line.indexOf(QLatin1Char('=')));
-  const QString text = equals >= 0 ? line.mid(equals + 1).trimmed() : line;
+  return isCommandStart(line);
+}
+
+bool PythonParser::isCommandStart(QStringView line) const
+{
+  const qsizetype equals = line.indexOf(QLatin1Char('='));
+  const QStringView text = equals >= 0 ? line.mid(equals + 1).trimmed() : line;
   if (!text.startsWith(_script_prefix) && !text.startsWith(_interactive_prefix) && !text.startsWith(_gui_prefix))
     return false;
   return text.indexOf(QLatin1Char('(')) > 0 || text.indexOf(QLatin1Char('\\')) > 0;
@@ -84,17 +94,22 @@ void PythonParser::setTabSize(int size)
 
 PythonParser::LineFacts PythonParser::factsOf(const QString& raw) const
 {
+  // Read in place: this runs for every line of a new text.
   LineFacts facts;
-  const QString line = raw.trimmed();
+  const QStringView line = QStringView(raw).trimmed();
   if (line.isEmpty() || line.startsWith(QLatin1Char('#')))
     return facts;
   facts.indentation = computeIndentationLevel(raw);
   facts.flags = CODE;
   if (line.endsWith(QLatin1Char(')')))
     facts.flags |= CLOSES_CALL;
-  else if (isCommandStartLine(line))
+  else if (isCommandStart(line))
     facts.flags |= OPENS_CALL;
-  if (stripTrailingComment(line).trimmed().endsWith(QLatin1Char(':')))
+  // What stripTrailingComment() leaves of the line, trimmed, ends with ":".
+  qsizetype end = commentStart(line);
+  while (end > 0 && line[end - 1].isSpace())
+    --end;
+  if (end > 0 && line[end - 1] == QLatin1Char(':'))
     facts.flags |= HEADER;
   return facts;
 }

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <QString>
+#include <QStringView>
 
 #include <utility>
 #include <vector>
@@ -44,6 +45,9 @@ private:
 
   int computeIndentationLevel(const QString& line) const;
   static QString stripTrailingComment(const QString& line);
+  // Where the trailing "#" comment of a line begins; its length when it has none.
+  static qsizetype commentStart(QStringView line);
+  bool isCommandStart(QStringView line) const;
   LineFacts factsOf(const QString& line) const;
   // Parses from `first`, which nothing open may precede, to the end or to the first line from
   // `settled` on that began at the top level in the last parse and does so again; returns the
