@@ -14,7 +14,8 @@ std::vector<std::pair<int, int>> findBlocks(const QString& text)
   PythonParser parser;
   parser.setText(text);
   parser.parse();
-  return {parser.getBlockBegin(), parser.getBlockEnd()};
+  const auto blocks = parser.getBlocks();
+  return {blocks.begin(), blocks.end()};
 }
 
 std::vector<ColourRun> colourText(const QString& text, PythonHighlighter& highlighter)

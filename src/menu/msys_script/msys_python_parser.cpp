@@ -9,6 +9,15 @@
 namespace Vel::MSysScript {
 namespace {
 
+enum LineFlag : quint8
+{
+  CODE = 1,         // neither blank nor a comment
+  CLOSES_CALL = 2,  // ends with ")"
+  OPENS_CALL = 4,   // a command call left open
+  HEADER = 8,       // ends with ":" before any comment
+  TOP_LEVEL = 16,   // the last parse met it at indentation 0 outside a call: nothing before it stays open
+};
+
 bool startsWithPrefix(const QString& text)
 {
   return text.startsWith(QLatin1String(GScript::Parser::SCRIPT_PREFIX)) ||
@@ -38,8 +47,13 @@ int PythonParser::computeIndentationLevel(const QString& line) const
 
 QString PythonParser::stripTrailingComment(const QString& line)
 {
+  return line.left(commentStart(line));
+}
+
+qsizetype PythonParser::commentStart(QStringView line)
+{
   bool escaped = false, in_single = false, in_double = false;
-  for (int i = 0; i < line.size(); ++i) {
+  for (qsizetype i = 0; i < line.size(); ++i) {
     const QChar c = line[i];
     if (escaped) {
       escaped = false;
@@ -52,121 +66,143 @@ QString PythonParser::stripTrailingComment(const QString& line)
     else if (c == QLatin1Char('"') && !in_single)
       in_double = !in_double;
     else if (c == QLatin1Char('#') && !in_single && !in_double)
-      return line.left(i);
+      return i;
   }
-  return line;
+  return line.size();
 }
 
 bool PythonParser::isCommandStartLine(const QString& line) const
 {
-  const int equals = int(line.indexOf(QLatin1Char('=')));
-  const QString text = equals >= 0 ? line.mid(equals + 1).trimmed() : line;
+  return isCommandStart(line);
+}
+
+bool PythonParser::isCommandStart(QStringView line) const
+{
+  const qsizetype equals = line.indexOf(QLatin1Char('='));
+  const QStringView text = equals >= 0 ? line.mid(equals + 1).trimmed() : line;
   if (!text.startsWith(_script_prefix) && !text.startsWith(_interactive_prefix) && !text.startsWith(_gui_prefix))
     return false;
   return text.indexOf(QLatin1Char('(')) > 0 || text.indexOf(QLatin1Char('\\')) > 0;
 }
 
-void PythonParser::parse()
+void PythonParser::setTabSize(int size)
 {
-  clearBlocks();
-  parse(0, getNumberOfLines() - 1);
+  if (size != _tab_size)
+    _facts_valid = false;
+  _tab_size = size;
 }
 
-void PythonParser::parse(int first, int last)
+PythonParser::LineFacts PythonParser::factsOf(const QString& raw) const
 {
-  std::vector<std::pair<int, int>> headers;  // header line, indentation of the header below it
+  // Read in place: this runs for every line of a new text.
+  LineFacts facts;
+  const QStringView line = QStringView(raw).trimmed();
+  if (line.isEmpty() || line.startsWith(QLatin1Char('#')))
+    return facts;
+  facts.indentation = computeIndentationLevel(raw);
+  facts.flags = CODE;
+  if (line.endsWith(QLatin1Char(')')))
+    facts.flags |= CLOSES_CALL;
+  else if (isCommandStart(line))
+    facts.flags |= OPENS_CALL;
+  // What stripTrailingComment() leaves of the line, trimmed, ends with ":".
+  qsizetype end = commentStart(line);
+  while (end > 0 && line[end - 1].isSpace())
+    --end;
+  if (end > 0 && line[end - 1] == QLatin1Char(':'))
+    facts.flags |= HEADER;
+  return facts;
+}
+
+void PythonParser::parse()
+{
+  const int count = getNumberOfLines();
+  _facts.assign(count, LineFacts());
+  int line = 0;
+  readLines(0, count - 1, [&](const QString& text) { _facts[line++] = factsOf(text); });
+  _facts_valid = true;
+  clearBlocks();
+  scan(0, count);
+  setChangedLines(0, count - 1);
+}
+
+int PythonParser::scan(int first, int settled)
+{
+  _headers.clear();  // header line, indentation of the header below it
   int top_indentation = 0;
   int last_code_line = 0;
   int open_command = -1;
+  const auto closeHeaders = [&](int indentation) {
+    while (!_headers.empty() && indentation <= top_indentation) {
+      const auto header = _headers.back();
+      if (header.first < last_code_line)
+        addBlock(header.first, last_code_line);
+      top_indentation = header.second;
+      _headers.pop_back();
+    }
+  };
 
-  for (int number = first; number <= last; ++number) {
-    const QString raw = getLine(number);
-    const int indentation = computeIndentationLevel(raw);
-    const QString line = raw.trimmed();
-    if (line.isEmpty() || line.startsWith(QLatin1Char('#')))
+  const int count = _facts.size();
+  int number = first;
+  for (; number < count; ++number) {
+    LineFacts& line = _facts[number];
+    if (number >= settled && open_command < 0 && (line.flags & TOP_LEVEL))
+      break;  // re-synchronised with the last parse
+    line.flags &= quint8(~TOP_LEVEL);
+    removeBlock(number);
+    if (!(line.flags & CODE))
       continue;
     if (open_command >= 0) {
-      if (line.endsWith(QLatin1Char(')'))) {
+      if (line.flags & CLOSES_CALL) {
         addBlock(open_command, number);
         open_command = -1;
       }
       last_code_line = number;
       continue;
     }
-    while (!headers.empty() && indentation <= top_indentation) {
-      const auto header = headers.back();
-      if (header.first < last_code_line)
-        addBlock(header.first, last_code_line);
-      top_indentation = header.second;
-      headers.pop_back();
-    }
-    if (isCommandStartLine(line) && !line.endsWith(QLatin1Char(')'))) {
+    closeHeaders(line.indentation);
+    if (line.indentation == 0)
+      line.flags |= TOP_LEVEL;
+    if (line.flags & OPENS_CALL) {
       open_command = number;
-    } else if (stripTrailingComment(line).trimmed().endsWith(QLatin1Char(':'))) {
-      headers.emplace_back(number, top_indentation);
-      top_indentation = indentation;
+    } else if (line.flags & HEADER) {
+      _headers.emplace_back(number, top_indentation);
+      top_indentation = line.indentation;
     }
     last_code_line = number;
   }
-  while (!headers.empty()) {
-    if (headers.back().first < last_code_line)
-      addBlock(headers.back().first, last_code_line);
-    headers.pop_back();
-  }
+  // At the end of the text, or at a line at indentation 0 that closes them all.
+  closeHeaders(0);
+  return number;
 }
 
-void PythonParser::textInserted(int line, int count)
+void PythonParser::textReplaced(int line, int removed, int added)
 {
-  // The block map is ordered by first line (first lines are unique), so walking it is walking
-  // the blocks sorted by first and last line.
-  BlockMap& blocks = mutableBlocks();
-  int range_first = line, range_last = line;
-  bool contained = false;
-  const std::pair<const int, int>* preceding = nullptr;
-  int previous_top_last = -1;
-  for (const auto& block : blocks) {
-    if (block.first > line)
-      break;
-    if (block.first < previous_top_last)
-      continue;  // nested in the previous top-level block
-    previous_top_last = block.second;
-    if (block.second >= line) {
-      range_first = std::min(range_first, block.first);
-      range_last = std::max(range_last, block.second);
-      contained = true;
-    } else if (!preceding || block.first > preceding->first) {
-      preceding = &block;
-    }
-  }
-  if (!contained) {
+  const int old_count = _facts.size();
+  if (!_facts_valid || line < 0 || removed < 0 || added < 0 || line + removed > old_count ||
+      old_count - removed + added != getNumberOfLines() || getBlockLines() != old_count) {
     parse();
     return;
   }
-  if (preceding) {
-    range_first = std::min(range_first, preceding->first);
-    range_last = std::max(range_last, preceding->second);
-  }
-  // Blocks before the range stay; blocks in it go; blocks after it move down by `count`,
-  // node by node, without copying the map.
-  std::vector<BlockMap::node_type> moved;
-  for (auto it = blocks.lower_bound(range_first); it != blocks.end();) {
-    if (it->first > range_last) {
-      auto node = blocks.extract(it++);
-      node.key() += count;
-      node.mapped() += count;
-      moved.push_back(std::move(node));
-    } else {
-      it = blocks.erase(it);
-    }
-  }
-  for (auto& node : moved)
-    blocks.insert(blocks.end(), std::move(node));
-  parse(range_first, range_last + count);
-}
+  // Nothing was open before the line when the last parse met it at the top level.
+  const bool top_level_before = line < old_count && (_facts[line].flags & TOP_LEVEL);
+  _facts.replace(line, removed, added, LineFacts());
+  replaceBlockLines(line, removed, added);
+  int number = line;
+  readLines(line, line + added - 1, [&](const QString& text) { _facts[number++] = factsOf(text); });
 
-void PythonParser::textDeleted(int, int)
-{
-  parse();
+  // The parse starts again where nothing is open: at the line itself when it stands at
+  // indentation 0 after such a point, else at the last top-level line above it.
+  int first = line;
+  const bool starts_top_level = line < _facts.size() && (_facts[line].flags & CODE) && _facts[line].indentation == 0;
+  if (!(top_level_before && starts_top_level)) {
+    first = line - 1;
+    while (first > 0 && !(_facts[first].flags & TOP_LEVEL))
+      --first;
+    first = std::max(first, 0);
+  }
+  const int end = scan(first, line + added);
+  setChangedLines(first, end - 1);
 }
 
 QString PythonParser::getLineOffset(int line) const

@@ -4,7 +4,9 @@
 #include <QPainterPath>
 #include <QTextBlock>
 
+#include <algorithm>
 #include <climits>
+#include <functional>
 #include <map>
 
 #include "gedit/text_highlighter.h"
@@ -31,6 +33,18 @@ private:
   SourceEditor* _editor;
 };
 
+// Marks below an edit move with their lines; those of removed lines go.
+void moveMarks(std::set<int>& marks, int pivot, int delta)
+{
+  std::set<int> moved;
+  for (int mark : marks)
+    if (mark <= pivot)
+      moved.insert(moved.end(), mark);
+    else if (mark + delta > pivot)
+      moved.insert(moved.end(), mark + delta);
+  marks.swap(moved);
+}
+
 const int FOLD_AREA = 14;
 const int MARK_AREA = 14;  // breakpoints and the current line, left of the numbers
 
@@ -44,7 +58,12 @@ SourceEditor::SourceEditor(TextParser* parser, TextHighlighter* highlighter, QWi
   _adapter = new SyntaxHighlighterAdapter(highlighter, this);
   QTextDocument* doc = document();
   parser->setLineSource([doc](int line) { return doc->findBlockByNumber(line).text(); },
-                        [doc] { return doc->blockCount(); });
+                        [doc] { return doc->blockCount(); },
+                        [doc](int first, int last, const std::function<void(const QString&)>& visit) {
+                          for (QTextBlock block = doc->findBlockByNumber(first); block.isValid() && first <= last;
+                               block = block.next(), ++first)
+                            visit(block.text());
+                        });
   setLineWrapMode(QPlainTextEdit::NoWrap);
   QFont font(QStringLiteral("Monospace"));
   font.setStyleHint(QFont::TypeWriter);
@@ -52,7 +71,11 @@ SourceEditor::SourceEditor(TextParser* parser, TextHighlighter* highlighter, QWi
   setTabWidth(4);
 
   connect(doc, &QTextDocument::contentsChange, this, &SourceEditor::contentsChanged);
-  connect(this, &QPlainTextEdit::blockCountChanged, this, [this] { setViewportMargins(marginWidth(), 0, 0, 0); });
+  // Only a new number of digits widens the margin; setting the same margins lays the area out again.
+  connect(this, &QPlainTextEdit::blockCountChanged, this, [this] {
+    if (viewportMargins().left() != marginWidth())
+      setViewportMargins(marginWidth(), 0, 0, 0);
+  });
   connect(this, &QPlainTextEdit::updateRequest, this, &SourceEditor::updateMargin);
   setViewportMargins(marginWidth(), 0, 0, 0);
   parser->parse();
@@ -182,8 +205,7 @@ void SourceEditor::paintMargin(QPaintEvent* event)
         painter.drawPath(arrow);
       }
       painter.setRenderHint(QPainter::Antialiasing, false);
-      const auto found = _parser->getBlocks().find(line);
-      if (found != _parser->getBlocks().end()) {
+      if (_parser->getBlockLast(line) >= 0) {
         // A triangle: pointing down while open, right while folded.
         const QPointF centre(numbers_width + FOLD_AREA / 2.0, top + fontMetrics().height() / 2.0);
         QPainterPath triangle;
@@ -213,7 +235,7 @@ void SourceEditor::marginClicked(const QPoint& position)
   const int line = cursor.block().blockNumber();
   if (position.x() < _margin->width() - FOLD_AREA)
     setBreakpoint(line, !_breakpoints.count(line));
-  else if (_parser->getBlocks().count(line))
+  else if (_parser->getBlockLast(line) >= 0)
     toggleFold(line);
 }
 
@@ -227,70 +249,84 @@ void SourceEditor::revealLine(int line)
 {
   if (document()->findBlockByNumber(line).isVisible())
     return;
-  for (auto it = _folded.begin(); it != _folded.end();)
-    it = *it < line && line <= _parser->getBlocks().at(*it) ? _folded.erase(it) : std::next(it);
-  applyFolding();
+  int from = line, to = line;
+  for (auto it = _folded.begin(); it != _folded.end();) {
+    const int last = _parser->getBlockLast(*it);
+    if (*it < line && line <= last) {
+      from = std::min(from, *it);
+      to = std::max(to, last);
+      it = _folded.erase(it);
+    } else {
+      ++it;
+    }
+  }
+  applyFolding(from, to);
 }
 
 void SourceEditor::toggleFold(int first_line)
 {
   if (!_folded.erase(first_line))
     _folded.insert(first_line);
-  applyFolding();
+  applyFolding(first_line, std::max(first_line, _parser->getBlockLast(first_line)));
 }
 
-void SourceEditor::applyFolding()
+void SourceEditor::applyFolding(int from, int to)
 {
   // Folds whose block is gone open again.
-  for (auto it = _folded.begin(); it != _folded.end();)
-    it = _parser->getBlocks().count(*it) ? std::next(it) : _folded.erase(it);
-  if (_folded.empty() && !_hiding) {
+  for (auto it = _folded.lower_bound(from); it != _folded.end() && *it <= to;)
+    it = _parser->getBlockLast(*it) >= 0 ? std::next(it) : _folded.erase(it);
+  from = std::max(from, 0);
+  to = std::min(to, blockCount() - 1);
+  if ((_folded.empty() && !_hiding) || from > to) {
     _margin->update();
     return;
   }
   _hiding = !_folded.empty();
-  std::vector<bool> hidden(size_t(blockCount()), false);
+  std::vector<bool> hidden(size_t(to - from + 1), false);
   for (int first : _folded) {
-    const int last = _parser->getBlocks().at(first);
-    for (int line = first + 1; line <= last && line < blockCount(); ++line)
-      hidden[size_t(line)] = true;
+    if (first >= to)
+      break;
+    const int last = std::min(_parser->getBlockLast(first), to);
+    for (int line = std::max(first + 1, from); line <= last; ++line)
+      hidden[size_t(line - from)] = true;
   }
-  bool changed = false;
-  for (QTextBlock block = document()->firstBlock(); block.isValid(); block = block.next()) {
-    const bool visible = !hidden[size_t(block.blockNumber())];
+  int dirty_from = -1, dirty_to = -1;
+  QTextBlock block = document()->findBlockByNumber(from);
+  for (int line = from; line <= to && block.isValid(); ++line, block = block.next()) {
+    const bool visible = !hidden[size_t(line - from)];
     if (block.isVisible() != visible) {
       block.setVisible(visible);
-      changed = true;
+      if (dirty_from < 0)
+        dirty_from = block.position();
+      dirty_to = block.position() + block.length();
     }
   }
-  if (changed) {
-    document()->markContentsDirty(0, document()->characterCount());
+  if (dirty_from >= 0) {
+    document()->markContentsDirty(dirty_from, dirty_to - dirty_from);
     viewport()->update();
   }
   _margin->update();
 }
 
-void SourceEditor::contentsChanged(int position, int removed, int)
+void SourceEditor::contentsChanged(int position, int, int added)
 {
-  const int line = document()->findBlock(position).blockNumber();
+  QTextDocument* doc = document();
+  const QTextBlock block = doc->findBlock(position);
+  QTextBlock end = doc->findBlock(position + added);
+  if (!end.isValid())
+    end = doc->lastBlock();
+  const int line = block.isValid() ? block.blockNumber() : end.blockNumber();
   const int delta = blockCount() - _line_count;
   _line_count = blockCount();
-  // Removing text may join lines: the parser reads the whole text again.
-  if (removed > 0)
-    _parser->textDeleted(line, qMax(0, -delta));
-  else
-    _parser->textInserted(line, delta);
-  // Marks below the edit move with their lines; those of removed lines go. An edit at the start
-  // of a line moves that line's mark too: its text is what moves.
+  // The lines of the new text are the only ones to read again; the parser re-parses as far as
+  // their blocks reach.
+  const int added_lines = end.blockNumber() - line + 1;
+  _parser->textReplaced(line, added_lines - delta, added_lines);
+  // An edit at the start of a line moves that line's marks too: its text is what moves.
   if (delta != 0) {
-    const int pivot = position == document()->findBlock(position).position() ? line - 1 : line;
-    std::set<int> moved;
-    for (int mark : _breakpoints)
-      if (mark <= pivot)
-        moved.insert(mark);
-      else if (mark + delta > pivot)
-        moved.insert(mark + delta);
-    _breakpoints.swap(moved);
+    const int pivot = position == block.position() ? line - 1 : line;
+    moveMarks(_breakpoints, pivot, delta);
+    moveMarks(_folded, pivot, delta);
     if (_current_line > pivot)
       _current_line = _current_line + delta > pivot ? _current_line + delta : -1;
   }
@@ -298,7 +334,8 @@ void SourceEditor::contentsChanged(int position, int removed, int)
     _error_line = -1;
     updateMarks();
   }
-  applyFolding();
+  const auto [first, last] = _parser->getChangedLines();
+  applyFolding(first, last);
 }
 
 QString leadingSpace(const QString& line)

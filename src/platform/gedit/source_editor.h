@@ -67,7 +67,9 @@ protected:
 
 private:
   void contentsChanged(int position, int removed, int added);
-  void applyFolding();
+  // Shows and hides the lines from `from` to `to` as the folds say; the folds there whose block
+  // is gone open again.
+  void applyFolding(int from, int to);
   void updateMargin(const QRect& rect, int dy);
   void updateMarks();
 
