@@ -70,13 +70,19 @@ bool getAttribute<bool>(const QDomNode& node, const QString& name)
   throw ParseException(node, errorText("Attribute '%1' should be of type 'boolean'.", "id=27753").arg(name));
 }
 
-QDomElement getChild(const QDomNode& node, const QString& tag)
+QDomElement findChild(const QDomNode& node, const QString& tag)
 {
   QDomElement found = node.firstChildElement(tag);
+  if (!found.isNull() && !found.nextSiblingElement(tag).isNull())
+    throw ParseException(node, errorText("The element with tag \"%1\" exists several times.", "id=27747").arg(tag));
+  return found;
+}
+
+QDomElement getChild(const QDomNode& node, const QString& tag)
+{
+  QDomElement found = findChild(node, tag);
   if (found.isNull())
     throw ParseException(node, errorText("The element with tag \"%1\" is missing.", "id=27746").arg(tag));
-  if (!found.nextSiblingElement(tag).isNull())
-    throw ParseException(node, errorText("The element with tag \"%1\" exists several times.", "id=27747").arg(tag));
   return found;
 }
 
@@ -95,15 +101,14 @@ std::vector<QDomElement> getChildren(const QDomNode& node, const QString& tag)
 }
 
 template <>
-QString getValue<QString>(const QDomNode& node, const QString& tag)
+QString valueOf<QString>(const QDomNode&, const QDomElement& child, const QString&)
 {
-  return getChild(node, tag).text();
+  return child.text();
 }
 
 template <>
-int getValue<int>(const QDomNode& node, const QString& tag)
+int valueOf<int>(const QDomNode& node, const QDomElement& child, const QString& tag)
 {
-  const QDomElement child = getChild(node, tag);
   bool ok = false;
   const int value = child.text().toInt(&ok, 10);
   if (!ok)
@@ -113,9 +118,8 @@ int getValue<int>(const QDomNode& node, const QString& tag)
 
 // The message says 'integer' for a real number too; translations are keyed on it as it is.
 template <>
-double getValue<double>(const QDomNode& node, const QString& tag)
+double valueOf<double>(const QDomNode& node, const QDomElement& child, const QString& tag)
 {
-  const QDomElement child = getChild(node, tag);
   bool ok = false;
   const double value = child.text().toDouble(&ok);
   if (!ok)
@@ -124,15 +128,38 @@ double getValue<double>(const QDomNode& node, const QString& tag)
 }
 
 template <>
-bool getValue<bool>(const QDomNode& node, const QString& tag)
+bool valueOf<bool>(const QDomNode& node, const QDomElement& child, const QString& tag)
 {
-  const QDomElement child = getChild(node, tag);
   const QString text = child.text();
   if (text == QLatin1String("true"))
     return true;
   if (text == QLatin1String("false"))
     return false;
   throw ParseException(node, errorText("The tag content '%1' should be of type 'boolean'.", "id=27756").arg(tag));
+}
+
+template <>
+QString getValue<QString>(const QDomNode& node, const QString& tag)
+{
+  return valueOf<QString>(node, getChild(node, tag), tag);
+}
+
+template <>
+int getValue<int>(const QDomNode& node, const QString& tag)
+{
+  return valueOf<int>(node, getChild(node, tag), tag);
+}
+
+template <>
+double getValue<double>(const QDomNode& node, const QString& tag)
+{
+  return valueOf<double>(node, getChild(node, tag), tag);
+}
+
+template <>
+bool getValue<bool>(const QDomNode& node, const QString& tag)
+{
+  return valueOf<bool>(node, getChild(node, tag), tag);
 }
 
 QString getCData(const QDomNode& node, const QString& tag)

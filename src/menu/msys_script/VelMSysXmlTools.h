@@ -54,6 +54,8 @@ template <>
 bool getAttribute<bool>(const QDomNode& node, const QString& name);
 
 QDomElement getChild(const QDomNode& node, const QString& tag);
+// The child with the tag, a null element where there is none; several are a fault, as for getChild.
+QDomElement findChild(const QDomNode& node, const QString& tag);
 // Every element with the tag anywhere below `node`, not only direct children: callers rely on
 // their nesting being unambiguous.
 std::vector<QDomElement> getChildren(const QDomNode& node, const QString& tag);
@@ -68,6 +70,19 @@ template <>
 double getValue<double>(const QDomNode& node, const QString& tag);
 template <>
 bool getValue<bool>(const QDomNode& node, const QString& tag);
+
+// The value of `child`, the child of `node` with the tag, read and refused as getValue does: for a
+// child that has already been looked up.
+template <typename T>
+T valueOf(const QDomNode& node, const QDomElement& child, const QString& tag);
+template <>
+QString valueOf<QString>(const QDomNode& node, const QDomElement& child, const QString& tag);
+template <>
+int valueOf<int>(const QDomNode& node, const QDomElement& child, const QString& tag);
+template <>
+double valueOf<double>(const QDomNode& node, const QDomElement& child, const QString& tag);
+template <>
+bool valueOf<bool>(const QDomNode& node, const QDomElement& child, const QString& tag);
 
 // The free text of `tag`, which may hold markup and is therefore one CDATA section.
 QString getCData(const QDomNode& node, const QString& tag);

@@ -63,15 +63,17 @@ QHBoxLayout* innerLayout(QWidget* widget);
 template <typename T>
 T valueOr(const QDomNode& node, const QString& tag, const T& fallback)
 {
-  return Xml::hasChild(node, tag) ? Xml::getValue<T>(node, tag) : fallback;
+  const QDomElement child = Xml::findChild(node, tag);
+  return child.isNull() ? fallback : Xml::valueOf<T>(node, child, tag);
 }
 
 template <>
 inline double valueOr<double>(const QDomNode& node, const QString& tag, const double& fallback)
 {
-  if (!Xml::hasChild(node, tag))
+  const QDomElement child = Xml::findChild(node, tag);
+  if (child.isNull())
     return fallback;
-  const double value = Xml::getValue<double>(node, tag);
+  const double value = Xml::valueOf<double>(node, child, tag);
   if (!std::isfinite(value))
     throw Xml::ParseException(node, errorText("The value of tag '%1' is not a finite number.").arg(tag));
   return value;

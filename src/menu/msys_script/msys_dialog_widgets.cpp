@@ -77,7 +77,8 @@ void DialogWidget::parseXml(const QDomNode& node)
 {
   // Both read before either is taken: a fault in the second leaves the first as it was.
   const QString name = Xml::getValue<QString>(node, TAG_NAME);
-  const QString tooltip = Xml::hasChild(node, TAG_TOOLTIP) ? Xml::getValue<QString>(node, TAG_TOOLTIP) : _tooltip;
+  const QDomElement tooltipChild = Xml::findChild(node, TAG_TOOLTIP);
+  const QString tooltip = tooltipChild.isNull() ? _tooltip : tooltipChild.text();
   setName(name);
   _tooltip = tooltip;
   updateWidget();

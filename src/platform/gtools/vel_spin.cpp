@@ -1,26 +1,16 @@
 #include "gtools/vel_spin.h"
 
-#include <QDoubleSpinBox>
 #include <QEvent>
-#include <QHBoxLayout>
 
 #include <algorithm>
 #include <cfloat>
 #include <cmath>
 #include <limits>
 
-#include "gtools/quiet_layout.h"
-
 Vel_BaseSpin::Vel_BaseSpin(QWidget* parent)
-    : QWidget(parent), _spin(new QDoubleSpinBox(this)), _pending_value(std::numeric_limits<double>::quiet_NaN())
+    : QDoubleSpinBox(parent), _spin(this), _pending_value(std::numeric_limits<double>::quiet_NaN())
 {
-  auto* layout = new QHBoxLayout;
-  layout->setContentsMargins(0, 0, 0, 0);
-  Vel::GTools::setQuietLayout(this, layout);
-  layout->addWidget(_spin);
-  setFocusProxy(_spin);
   // The spin box starts with this one's defaults.
-  _spin->installEventFilter(this);
   connect(_spin, &QDoubleSpinBox::valueChanged, this, [this](double shown) { Q_EMIT valueChanged(shown * _factor); });
 }
 
@@ -88,7 +78,7 @@ double Vel_BaseSpin::value() const
 QDoubleSpinBox* Vel_BaseSpin::spinBox() const
 {
   settle();
-  return _spin;
+  return const_cast<Vel_BaseSpin*>(this);
 }
 
 void Vel_BaseSpin::setDisplayFactor(double factor, int extra_digits, const QString& suffix)
@@ -154,7 +144,6 @@ void Vel_BaseSpin::settle() const
   if (!_unsettled)
     return;
   _unsettled = false;
-  _spin->removeEventFilter(const_cast<Vel_BaseSpin*>(this));
   pushToSpin(_unsettled_shown);
   // Its text shows the value, as after any value set.
   const QSignalBlocker blocker(_spin);
@@ -181,12 +170,12 @@ bool Vel_BaseSpin::settledShownValue(double stored, double* shown) const
   return true;
 }
 
-bool Vel_BaseSpin::eventFilter(QObject* watched, QEvent* event)
+bool Vel_BaseSpin::event(QEvent* event)
 {
   // Polished before it is first shown or measured: from then on it holds every setting.
-  if (watched == _spin && event->type() == QEvent::Polish)
+  if (event->type() == QEvent::Polish)
     settle();
-  return QWidget::eventFilter(watched, event);
+  return QDoubleSpinBox::event(event);
 }
 
 Vel_Spin::Vel_Spin(QWidget* parent) : Vel_BaseSpin(parent) {}

@@ -1,15 +1,14 @@
 #pragma once
 
-#include <QWidget>
+#include <QDoubleSpinBox>
 
 #include "core/unit.h"
 #include "core/vel_export.h"
 
-class QDoubleSpinBox;
-
 // A spin box for doubles. Limits, step and digits are those of the value; the spin box clamps
-// what is typed to the limits.
-class VEL_EXPORT Vel_BaseSpin : public QWidget
+// what is typed to the limits. It is the spin box itself, not a widget around one: every widget
+// costs its construction and a polish request to the event loop.
+class VEL_EXPORT Vel_BaseSpin : public QDoubleSpinBox
 {
   Q_OBJECT
 
@@ -26,7 +25,7 @@ public:
   double maxValue() const { return _max; }
   unsigned digits() const { return _digits; }
 
-  // The inner spin box, holding every setting made so far.
+  // The spin box as such (in the shown unit), holding every setting made so far.
   QDoubleSpinBox* spinBox() const;
 
   // Holds the settings made while it lives and hands them to the spin box at once when it
@@ -44,12 +43,13 @@ public:
   };
 
 Q_SIGNALS:
+  // The stored value; the spin box's own signal of the same name reports the shown one.
   void valueChanged(double value);
 
 protected:
   // Shown value = stored value / factor; 1 without a unit.
   void setDisplayFactor(double factor, int extra_digits, const QString& suffix);
-  bool eventFilter(QObject* watched, QEvent* event) override;
+  bool event(QEvent* event) override;
 
 private:
   void updateSpin();
@@ -60,7 +60,8 @@ private:
   // false where that cannot be told without it.
   bool settledShownValue(double stored, double* shown) const;
 
-  QDoubleSpinBox* _spin;
+  // This one, seen as the spin box: its value, limits and signal, not those of the stored value.
+  QDoubleSpinBox* const _spin;
   double _min = 0.0;
   double _max = 99.99;
   double _step = 1.0;
