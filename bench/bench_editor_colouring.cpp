@@ -3,13 +3,13 @@
 // and without colours. ZUT_BENCH_PY names the file to use; without it a file is generated.
 
 #include <QElapsedTimer>
-#include <QFile>
 #include <QPlainTextEdit>
 #include <QStringList>
 #include <QTextBlock>
 
 #include <chrono>
 
+#include "bench_corpus.h"
 #include "bench_main.h"
 #include "gedit/source_editor.h"
 #include "gedit/text_highlighter.h"
@@ -20,45 +20,6 @@ using namespace Vel;
 using namespace Vel::MSysScript;
 
 namespace {
-
-QString generated(int lines)
-{
-  static const char* const unit[] = {
-      "class Sample%1(object):",
-      "    \"\"\"A class with a docstring # that holds a hash\"\"\"",
-      "    def __init__(self, value):",
-      "        self.value = value  # keep it",
-      "        self.items = [1, 2.5, 'three', \"four\"]",
-      "",
-      "    def measure(self, points):",
-      "        for index, point in enumerate(points):",
-      "            if point > self.value:",
-      "                result = zut.script.sys.execute_python_code(",
-      "                    code='print(%r)' % (point,),",
-      "                    collect_stdout=True)",
-      "            else:",
-      "                print('below', index, True, None)",
-      "        return len(points)",
-      "",
-  };
-  QStringList text;
-  for (int i = 0; text.size() < lines; ++i)
-    for (const char* line : unit)
-      text << QString::fromLatin1(line).arg(i);
-  return text.mid(0, lines).join(QLatin1Char('\n'));
-}
-
-const QString& source()
-{
-  static const QString text = [] {
-    const QString path = qEnvironmentVariable("ZUT_BENCH_PY");
-    QFile file(path);
-    if (!path.isEmpty() && file.open(QIODevice::ReadOnly))
-      return QString::fromUtf8(file.readAll());
-    return generated(100000);
-  }();
-  return text;
-}
 
 double seconds(const std::chrono::steady_clock::time_point& start)
 {
@@ -75,7 +36,7 @@ void BM_ColourWholeDocument(benchmark::State& state)
   document->setUndoRedoEnabled(false);
   PythonHighlighter highlighter;
   for (auto _ : state) {
-    document->setPlainText(source());
+    document->setPlainText(benchScript());
     const auto start = std::chrono::steady_clock::now();
     {
       GEdit::SyntaxHighlighterAdapter adapter(&highlighter, document);
@@ -83,7 +44,7 @@ void BM_ColourWholeDocument(benchmark::State& state)
     }
     state.SetIterationTime(seconds(start));
   }
-  state.SetBytesProcessed(state.iterations() * source().size());
+  state.SetBytesProcessed(state.iterations() * benchScript().size());
 }
 
 // When the first paint of a widget ended.
@@ -118,7 +79,7 @@ void openFile(benchmark::State& state, bool coloured)
       delete editor->document()->findChild<GEdit::SyntaxHighlighterAdapter*>();
     FirstPaint paint(editor->viewport());
     const auto start = std::chrono::steady_clock::now();
-    editor->setPlainText(source());
+    editor->setPlainText(benchScript());
     editor->show();
     QElapsedTimer waited;
     waited.start();
@@ -129,7 +90,7 @@ void openFile(benchmark::State& state, bool coloured)
       state.SkipWithError("the editor was never painted");
     delete editor;
   }
-  state.SetBytesProcessed(state.iterations() * source().size());
+  state.SetBytesProcessed(state.iterations() * benchScript().size());
 }
 
 void BM_OpenColoured(benchmark::State& state)

@@ -5,7 +5,6 @@
 // ZUT_BENCH_PY names the script to use (N lines around its middle); without it a script is
 // generated.
 
-#include <QFile>
 #include <QStringList>
 #include <QTextBlock>
 #include <QTextCursor>
@@ -13,6 +12,7 @@
 #include <chrono>
 #include <functional>
 
+#include "bench_corpus.h"
 #include "bench_main.h"
 #include "gedit/source_editor.h"
 #include "menu/msys_script/msys_python_highlighter.h"
@@ -24,39 +24,12 @@ using Clock = std::chrono::steady_clock;
 
 namespace {
 
-QStringList generatedLines(int count)
-{
-  static const char* const unit[] = {
-      "class Sample%1(object):",
-      "    def measure(self, points):  # why: a comment",
-      "        for index, point in enumerate(points):",
-      "            if point > self.value:",
-      "                result = zut.script.sys.execute_python_code(",
-      "                    code='print(%r)' % (point,),",
-      "                    collect_stdout=True)",
-      "            else:",
-      "                print('below', index, True, None)",
-      "        return len(points)",
-      "",
-  };
-  QStringList lines;
-  for (int i = 0; lines.size() < count; ++i)
-    for (const char* line : unit)
-      lines << QString::fromLatin1(line).arg(i);
-  return lines.mid(0, count);
-}
-
 // `count` lines from the middle of the script, each ended by a line feed as in a file; the
 // middle line, the one edited, is the same whatever the count.
 QStringList scriptLines(int count)
 {
-  static const QStringList all = [] {
-    QFile file(qEnvironmentVariable("ZUT_BENCH_PY"));
-    if (!file.fileName().isEmpty() && file.open(QIODevice::ReadOnly))
-      return QString::fromUtf8(file.readAll()).split(QLatin1Char('\n'));
-    return generatedLines(100000) << QString();
-  }();
-  QStringList lines = all.size() > count ? all.mid(all.size() / 2 - count / 2, count) : generatedLines(count);
+  static const QStringList all = benchScript().split(QLatin1Char('\n'));
+  QStringList lines = all.mid(qMax(qsizetype(0), all.size() / 2 - count / 2), count);
   return lines << QString();
 }
 
@@ -176,10 +149,9 @@ void BM_ParseAll(benchmark::State& state)
     list.parser.parse();
 }
 
-void BM_ParseAfterInsertedLine(benchmark::State& state)
+// Times the re-parse after a line put in at `at`; the line goes again, untimed.
+void timeInsertion(benchmark::State& state, ListParser& list, int at)
 {
-  ListParser list(int(state.range(0)));
-  const int at = middleStatement(int(state.range(0)));
   for (auto _ : state) {
     list.lines.insert(at, QStringLiteral("    d = c * 2"));
     const auto start = Clock::now();
@@ -189,18 +161,17 @@ void BM_ParseAfterInsertedLine(benchmark::State& state)
   }
 }
 
+void BM_ParseAfterInsertedLine(benchmark::State& state)
+{
+  ListParser list(int(state.range(0)));
+  timeInsertion(state, list, middleStatement(int(state.range(0))));
+}
+
 // The worst case: the re-parse runs from the class to the end of the text.
 void BM_ParseAfterInsertedLineInOneClass(benchmark::State& state)
 {
   ListParser list(int(state.range(0)), QStringLiteral("    "));
-  const int at = middleStatement(int(state.range(0))) + 1;
-  for (auto _ : state) {
-    list.lines.insert(at, QStringLiteral("    d = c * 2"));
-    const auto start = Clock::now();
-    list.parser.textInserted(at, 1);
-    state.SetIterationTime(std::chrono::duration<double>(Clock::now() - start).count());
-    list.remove(at);
-  }
+  timeInsertion(state, list, middleStatement(int(state.range(0))) + 1);
 }
 
 void BM_ParseAfterDeletedLine(benchmark::State& state)

@@ -2,11 +2,11 @@
 // character once, a full parse, and a one-line insertion against the full parse it replaces.
 // ZUT_BENCH_PY names the file to use; without it a file is generated.
 
-#include <QFile>
 #include <QStringList>
 
 #include <chrono>
 
+#include "bench_corpus.h"
 #include "bench_main.h"
 #include "menu/msys_script/msys_python_dump.h"
 #include "menu/msys_script/msys_python_highlighter.h"
@@ -17,48 +17,9 @@ using namespace Vel::MSysScript;
 namespace {
 
 // 100,000 lines of ordinary Python: classes, functions, loops, strings, comments, commands.
-QString generated(int lines)
-{
-  static const char* const unit[] = {
-      "class Sample%1(object):",
-      "    \"\"\"A class with a docstring # that holds a hash\"\"\"",
-      "    def __init__(self, value):",
-      "        self.value = value  # keep it",
-      "        self.items = [1, 2.5, 'three', \"four\"]",
-      "",
-      "    def measure(self, points):",
-      "        for index, point in enumerate(points):",
-      "            if point > self.value:",
-      "                result = zut.script.sys.execute_python_code(",
-      "                    code='print(%r)' % (point,),",
-      "                    collect_stdout=True)",
-      "            else:",
-      "                print('below', index, True, None)",
-      "        return len(points)",
-      "",
-  };
-  QStringList text;
-  for (int i = 0; text.size() < lines; ++i)
-    for (const char* line : unit)
-      text << QString::fromLatin1(line).arg(i);
-  return text.mid(0, lines).join(QLatin1Char('\n'));
-}
-
-const QString& source()
-{
-  static const QString text = [] {
-    const QString path = qEnvironmentVariable("ZUT_BENCH_PY");
-    QFile file(path);
-    if (!path.isEmpty() && file.open(QIODevice::ReadOnly))
-      return QString::fromUtf8(file.readAll());
-    return generated(100000);
-  }();
-  return text;
-}
-
 void BM_ReadEachCharacterOnce(benchmark::State& state)
 {
-  const QStringList lines = source().split(QLatin1Char('\n'));
+  const QStringList lines = benchScript().split(QLatin1Char('\n'));
   for (auto _ : state) {
     size_t sum = 0;
     for (const QString& line : lines)
@@ -66,12 +27,12 @@ void BM_ReadEachCharacterOnce(benchmark::State& state)
         sum += c.unicode();
     benchmark::DoNotOptimize(sum);
   }
-  state.SetBytesProcessed(state.iterations() * source().size());
+  state.SetBytesProcessed(state.iterations() * benchScript().size());
 }
 
 void BM_HighlightWholeFile(benchmark::State& state)
 {
-  const QStringList lines = source().split(QLatin1Char('\n'));
+  const QStringList lines = benchScript().split(QLatin1Char('\n'));
   PythonHighlighter highlighter;
   for (auto _ : state) {
     int line_state = 0;
@@ -82,13 +43,13 @@ void BM_HighlightWholeFile(benchmark::State& state)
     }
     benchmark::DoNotOptimize(line_state);
   }
-  state.SetBytesProcessed(state.iterations() * source().size());
+  state.SetBytesProcessed(state.iterations() * benchScript().size());
 }
 
 void BM_FullParse(benchmark::State& state)
 {
   PythonParser parser;
-  parser.setText(source());
+  parser.setText(benchScript());
   for (auto _ : state)
     parser.parse();
   state.counters["blocks"] = double(parser.getBlocks().size());

@@ -138,30 +138,6 @@ bool valueOf<bool>(const QDomNode& node, const QDomElement& child, const QString
   throw ParseException(node, errorText("The tag content '%1' should be of type 'boolean'.", "id=27756").arg(tag));
 }
 
-template <>
-QString getValue<QString>(const QDomNode& node, const QString& tag)
-{
-  return valueOf<QString>(node, getChild(node, tag), tag);
-}
-
-template <>
-int getValue<int>(const QDomNode& node, const QString& tag)
-{
-  return valueOf<int>(node, getChild(node, tag), tag);
-}
-
-template <>
-double getValue<double>(const QDomNode& node, const QString& tag)
-{
-  return valueOf<double>(node, getChild(node, tag), tag);
-}
-
-template <>
-bool getValue<bool>(const QDomNode& node, const QString& tag)
-{
-  return valueOf<bool>(node, getChild(node, tag), tag);
-}
-
 QString getCData(const QDomNode& node, const QString& tag)
 {
   const QDomElement child = getChild(node, tag);

@@ -60,17 +60,6 @@ QDomElement findChild(const QDomNode& node, const QString& tag);
 // their nesting being unambiguous.
 std::vector<QDomElement> getChildren(const QDomNode& node, const QString& tag);
 
-template <typename T>
-T getValue(const QDomNode& node, const QString& tag);
-template <>
-QString getValue<QString>(const QDomNode& node, const QString& tag);
-template <>
-int getValue<int>(const QDomNode& node, const QString& tag);
-template <>
-double getValue<double>(const QDomNode& node, const QString& tag);
-template <>
-bool getValue<bool>(const QDomNode& node, const QString& tag);
-
 // The value of `child`, the child of `node` with the tag, read and refused as getValue does: for a
 // child that has already been looked up.
 template <typename T>
@@ -83,6 +72,13 @@ template <>
 double valueOf<double>(const QDomNode& node, const QDomElement& child, const QString& tag);
 template <>
 bool valueOf<bool>(const QDomNode& node, const QDomElement& child, const QString& tag);
+
+// The value of the one child with the tag; a missing or repeated child is a fault.
+template <typename T>
+T getValue(const QDomNode& node, const QString& tag)
+{
+  return valueOf<T>(node, getChild(node, tag), tag);
+}
 
 // The free text of `tag`, which may hold markup and is therefore one CDATA section.
 QString getCData(const QDomNode& node, const QString& tag);
