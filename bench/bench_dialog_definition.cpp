@@ -174,7 +174,7 @@ BENCHMARK(BM_ReadInputDefinition)->Arg(20)->Arg(200)->Arg(1000)->Unit(benchmark:
 
 int main(int argc, char** argv)
 {
-  Vel::GTools::prepareGuiEnvironment();
+  Vel::GApp::prepareGuiEnvironment();
   QApplication application(argc, argv);
   runBenchmarks(argc, argv);
   return 0;

@@ -199,7 +199,7 @@ BENCHMARK(BM_ParseAfterDeletedLine)->Arg(1000)->Arg(16000)->Unit(benchmark::kMic
 
 int main(int argc, char** argv)
 {
-  Vel::GTools::prepareGuiEnvironment();
+  Vel::GApp::prepareGuiEnvironment();
   QApplication application(argc, argv);
   runBenchmarks(argc, argv);
   return 0;

@@ -10,8 +10,8 @@
 
 #include "cfg/cfg.h"
 #include "gapp/command_container.h"
+#include "gapp/interaction.h"
 #include "gscript/python_interpreter.h"
-#include "gtools/error_dialog.h"
 #include "menu/msys_script/msys_library.h"
 
 // The module as the host starts it, with its configuration in `folder`; taken down at the end.
@@ -42,7 +42,7 @@ inline void runBenchmarks(int& argc, char** argv)
 // The usual main of a benchmark program that needs the module.
 inline int runBenchmarksWithModule(int argc, char** argv)
 {
-  Vel::GTools::prepareGuiEnvironment();
+  Vel::GApp::prepareGuiEnvironment();
   QApplication application(argc, argv);
   QTemporaryDir dir;
   const BenchModule module(dir);

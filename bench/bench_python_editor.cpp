@@ -102,7 +102,7 @@ BENCHMARK(BM_InsertLineInTheMiddle)->Unit(benchmark::kMicrosecond)->UseManualTim
 
 int main(int argc, char** argv)
 {
-  Vel::GTools::prepareGuiEnvironment();
+  Vel::GApp::prepareGuiEnvironment();
   QApplication application(argc, argv);
   runBenchmarks(argc, argv);
   return 0;

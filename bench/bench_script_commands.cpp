@@ -84,7 +84,7 @@ BENCHMARK(BM_UpdateRegisteredCommandsFromEmpty)
 
 int main(int argc, char** argv)
 {
-  Vel::GTools::prepareGuiEnvironment();
+  Vel::GApp::prepareGuiEnvironment();
   QApplication application(argc, argv);
   QTemporaryDir dir;
   data = &dir;

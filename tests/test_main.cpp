@@ -4,8 +4,8 @@
 
 #include "core/vel_export.h"
 #include "gapp/command_container.h"
+#include "gapp/interaction.h"
 #include "gscript/python_interpreter.h"
-#include "gtools/error_dialog.h"
 
 #ifdef ZUT_TEST_SANITIZE
 // The embedded interpreter keeps some allocations for the life of the process on purpose.
@@ -37,7 +37,7 @@ int main(int argc, char** argv)
   qputenv("PYTHONMALLOC", "malloc");
   qputenv("LSAN_OPTIONS", ZUT_TEST_LSAN_OPTIONS);
 #endif
-  Vel::GTools::prepareGuiEnvironment();
+  Vel::GApp::prepareGuiEnvironment();
   QApplication application(argc, argv);
   ::testing::InitGoogleTest(&argc, argv);
   const int status = RUN_ALL_TESTS();

@@ -1,29 +1,25 @@
 #include "zut_commands.h"
 
-#include <QApplication>
+#include <QCoreApplication>
 #include <QFile>
 #include <QFileInfo>
-#include <QTimer>
-#include <QEventLoop>
-#include <QGuiApplication>
 #include <QJsonArray>
 #include <QJsonDocument>
 #include <QJsonObject>
-#include <QMainWindow>
 
 #include <cstdio>
 #include <optional>
 
 #include "cfg/cfg.h"
 #include "core/color.h"
-#include "core/script_type.h"
 #include "core/prog_error.h"
+#include "core/script_type.h"
 #include "gapp/command.h"
 #include "gapp/command_container.h"
+#include "gapp/interaction.h"
 #include "gapp/module_loader.h"
 #include "gapp/trait.h"
 #include "gscript/python_interpreter.h"
-#include "gtools/error_dialog.h"
 #include "gscript/safe_points.h"
 #include "gscript/script_database.h"
 #include "zut_debug.h"
@@ -137,8 +133,8 @@ class ModuleTool
 {
 public:
   ModuleTool(ZutHost& host, const char* name)
-      : _call(reinterpret_cast<Function>(host.module()->resolve(name))),
-        _free(reinterpret_cast<void (*)(char*)>(host.module()->resolve("FreeAnalysis")))
+      : _call(reinterpret_cast<Function>(host.resolve(name))),
+        _free(reinterpret_cast<void (*)(char*)>(host.resolve("FreeAnalysis")))
   {}
   explicit operator bool() const { return _call && _free; }
 
@@ -182,6 +178,9 @@ bool prepareDialogAnswers(ZutHost& host, const char* sub_command, QString answer
 // Answers that no dialog asked for are likely a mistake in the file or the script: said, not fatal.
 void reportUnusedAnswers(ZutHost& host)
 {
+  // Answers are taken only with the windows up.
+  if (!host.isGuiUp())
+    return;
   const ModuleTool<char* (*)()> unused(host, "UnusedDialogAnswers");
   const std::optional<QString> lines = unused ? unused() : std::nullopt;
   if (!lines)
@@ -191,34 +190,11 @@ void reportUnusedAnswers(ZutHost& host)
 }
 
 // Dialogs a script opened without waiting for them stay until a person closes them; where
-// nobody can, they are closed, and that is said.
-void finishOpenDialogs()
+// nobody can, they are closed, and that is said. Without windows there are none.
+void finishOpenDialogs(ZutHost& host)
 {
-  const auto open = [] {
-    QList<QWidget*> dialogs;
-    for (QWidget* widget : QApplication::topLevelWidgets())
-      if (widget->isVisible() && widget->objectName() == QLatin1String("VelMSysScript_UserDefinedDialog"))
-        dialogs << widget;
-    return dialogs;
-  };
-  if (open().isEmpty())
-    return;
-  if (!Vel::GTools::isInteractive()) {
-    for (QWidget* dialog : open()) {
-      printErr(QStringLiteral("zut: closing the dialog \"%1\": the script has ended and nobody can close it\n")
-                   .arg(dialog->windowTitle()));
-      dialog->close();
-    }
-    return;
-  }
-  QEventLoop loop;
-  QTimer check;
-  QObject::connect(&check, &QTimer::timeout, &loop, [&] {
-    if (open().isEmpty())
-      loop.quit();
-  });
-  check.start(100);
-  loop.exec();
+  if (const auto finish = reinterpret_cast<void (*)(int)>(host.guiFunction("ZutGuiFinishOpenDialogs")))
+    finish(Vel::GApp::isInteractive() ? 1 : 0);
 }
 
 // zut run FILE.py [-p NAME=VALUE]... [ARGS...] [-- ARGS...]: the options are zut's up to "--",
@@ -266,7 +242,7 @@ int runScriptFile(ZutHost& host, const char* sub_command, const QStringList& arg
   const auto run = [&] { return runCommand(QStringLiteral("sys.execute_script"), command_parameters, false, false); };
   const int status = debug ? runUnderDebugger(run) : run();
   reportUnusedAnswers(host);
-  finishOpenDialogs();
+  finishOpenDialogs(host);
   return status;
 }
 
@@ -475,7 +451,7 @@ int highlight(ZutHost& host, const QStringList& arguments, bool json)
   return analyze(host, "highlight", arguments, json);
 }
 
-int editor(ZutHost&, const QStringList& arguments, bool)
+int editor(ZutHost& host, const QStringList& arguments, bool)
 {
   QString file;
   QString screenshot;
@@ -490,7 +466,7 @@ int editor(ZutHost&, const QStringList& arguments, bool)
       return usage("editor", QStringLiteral("unexpected argument '%1'").arg(arguments[i]));
     }
   }
-  if (screenshot.isEmpty() && QGuiApplication::platformName() == QLatin1String("offscreen"))
+  if (screenshot.isEmpty() && !Vel::GApp::isInteractive())
     return usage("editor", QStringLiteral("there is no display (DISPLAY is not set)"));
   Vel::GApp::CommandParameters parameters;
   if (!file.isEmpty())
@@ -498,23 +474,16 @@ int editor(ZutHost&, const QStringList& arguments, bool)
   const int status = runCommand(QStringLiteral("sys.show_script_editor"), parameters, false, false);
   if (status != EXIT_OK)
     return status;
-  QWidget* window = nullptr;
-  for (QWidget* widget : QApplication::topLevelWidgets())
-    if (widget->isVisible() && qobject_cast<QMainWindow*>(widget))
-      window = widget;
   if (!screenshot.isEmpty()) {
-    // Let the editor lay itself out and colour the text before the picture is taken.
-    for (int round = 0; round < 5; ++round)
-      QCoreApplication::processEvents();
-    if (!window || !window->grab().save(screenshot)) {
+    const auto grab = reinterpret_cast<int (*)(const char*)>(host.guiFunction("ZutGuiGrabMainWindow"));
+    if (!grab || grab(screenshot.toLocal8Bit().constData()) != 0) {
       printErr(QStringLiteral("zut editor: cannot write %1\n").arg(screenshot));
       return EXIT_FAILED;
     }
-    window->close();
     return EXIT_OK;
   }
   const QuitOnSignals quit_on_signals;
-  const int end = QApplication::exec();
+  const int end = QCoreApplication::exec();
   // Ended by a signal: its status; the exit sequence that follows keeps what was not saved.
   return end == 0 ? EXIT_OK : end > 128 ? end : EXIT_FAILED;
 }

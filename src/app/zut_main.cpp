@@ -1,17 +1,14 @@
 // zut: runs the scripting module from the command line.
 
-#include <QApplication>
-#include <QClipboard>
-#include <QFont>
-#include <QStyleFactory>
+#include <QCoreApplication>
 
 #include <csignal>
 #include <cstdio>
 #include <unistd.h>
 
 #include "gapp/command.h"
+#include "gapp/interaction.h"
 #include "gscript/safe_points.h"
-#include "gtools/error_dialog.h"
 #include "zut_commands.h"
 #include "zut_host.h"
 
@@ -47,7 +44,7 @@ QString help(const SubCommand& sub_command)
 
 int main(int argc, char* argv[])
 {
-  Vel::GTools::prepareGuiEnvironment();
+  Vel::GApp::prepareGuiEnvironment();
   // As python3 does: writing to a closed pipe is an error (BrokenPipeError in a script), not
   // the end of the program.
   std::signal(SIGPIPE, SIG_IGN);
@@ -98,13 +95,8 @@ int main(int argc, char* argv[])
     qputenv("QT_QPA_PLATFORM", "offscreen");
     qputenv("QT_FONT_DPI", "96");
   }
-  QApplication application(argc, argv);
-  QApplication::setApplicationName(QStringLiteral("zut"));
-  if (picture) {
-    QApplication::setStyle(QStyleFactory::create(QStringLiteral("Fusion")));
-    QApplication::setFont(QFont(QStringLiteral("DejaVu Sans"), 9));
-  }
-  ZutHost host;
+  ZutHost host(argc, argv, picture);
+  Vel::GApp::Gui::setLoader([&host] { host.bringUpGui(); });
   if (sub_command->needs_module && !host.start())
     return EXIT_FAILED;
   int status = EXIT_FAILED;
@@ -122,7 +114,8 @@ int main(int argc, char* argv[])
   // configuration only to close it again, a good part of a short run's time, so the process ends
   // here -- unless it owns clipboard data that the window system takes over at Qt's teardown.
   // Under the sanitizers the full teardown runs, so that leaks are still found.
-  if (!QApplication::clipboard()->ownsClipboard()) {
+  const auto owns_clipboard = reinterpret_cast<int (*)()>(host.guiFunction("ZutGuiOwnsClipboard"));
+  if (!owns_clipboard || !owns_clipboard()) {
     std::fflush(nullptr);
     _exit(status);
   }

@@ -1,9 +1,7 @@
 #include "menu/msys_script/msys_cmd_base.h"
 
-#include <QFileDialog>
-
 #include "core/translate.h"
-#include "gtools/error_dialog.h"
+#include "gapp/interaction.h"
 
 namespace Vel::MSysScript {
 
@@ -34,10 +32,10 @@ void failCommand(const char* code, const QString& line)
 bool askForFile(GApp::CommandParameters& parameters, const QString& argument, const QString& title,
                 const QString& filter, bool save)
 {
-  if (parameters.contains(argument) || !GTools::isInteractive())
+  if (parameters.contains(argument) || !GApp::isInteractive())
     return true;
-  const QString file = save ? QFileDialog::getSaveFileName(nullptr, title, QString(), filter)
-                            : QFileDialog::getOpenFileName(nullptr, title, QString(), filter);
+  const QString file =
+      GApp::askFileNames(save ? GApp::FileQuestion::Save : GApp::FileQuestion::Open, title, filter).value(0);
   if (file.isEmpty())
     return false;
   parameters.set(argument, QVariant::fromValue(Parse::File(file)));

@@ -1,9 +1,7 @@
 #include "menu/msys_script/msys_cmd_dialog.h"
 
-#include "menu/msys_script/msys_dialog_handles.h"
-#include "menu/msys_script/msys_dlg_user_defined.h"
-#include "menu/msys_script/msys_error_codes.h"
-#include "gtools/error_dialog.h"
+#include "gscript/python_values.h"
+#include "menu/msys_script/msys_gui_half.h"
 
 namespace Vel::MSysScript {
 
@@ -19,63 +17,22 @@ Meta::Argument dialogArgument()
   return {QStringLiteral("dialog"), Meta::TYPE_OBJECT, QStringLiteral("a dialog handle"), true};
 }
 
-// A dialog that waits for a person fails at once where nobody and nothing can answer it.
-void requireAnswer(UserDefinedDialog* dialog)
+// The dialogs themselves are in the module's GUI half.
+void forward(MSysCommand& command, const GApp::CommandParameters& parameters)
 {
-  // Answers given for a run are used even where a person could answer.
-  const UserDefinedDialog::Responder& responder = UserDefinedDialog::getResponder();
-  if (responder && responder(dialog))
-    return;
-  if (GTools::isInteractive())
-    return;
-  failCommand(ERR_EXECUTE_SCRIPT,
-              errorText("The dialog \"%1\" waits for a person, but there is no display and no answer for it.")
-                  .arg(dialog->windowTitle()));
-}
-
-QVariant resultOf(const UserDefinedDialog& dialog)
-{
-  QVariantMap values;
-  // Elements that only show or arrange (labels, separators, spacers) have no value to return.
-  for (const DialogDefinition::Cell* cell : dialog.getElementCells())
-    if (const QVariant value = cell->widget->getValue(); value.isValid())
-      values.insert(cell->widget->getName(), value);
-  return QVariant::fromValue(makeDialogResult(dialog.getResult(), values));
-}
-
-UserDefinedDialog* dialogOf(const GApp::CommandParameters& parameters, const char* key)
-{
-  const QVariant value = parameters.contains(QStringLiteral("dialog"))
-                             ? parameters.get(QStringLiteral("dialog")).getValue()
-                             : QVariant();
-  const int id = value.typeId() == dialogHandleTypeId() ? value.value<DialogHandle>().id : dialogIdOf(value);
-  if (id == 0 && !value.isValid())
-    getArgument<QString>(parameters, QStringLiteral("dialog"));  // the missing argument's message
-  UserDefinedDialog* dialog = UserDefinedDialog::find(id);
-  if (!dialog)
-    failCommand(ERR_EXECUTE_SCRIPT, errorText("A dialog with this ID does not exist.", key));
-  return dialog;
-}
-
-// Runs a dialog until it is closed; the closed dialog leaves the map.
-QVariant runToEnd(UserDefinedDialog* dialog)
-{
-  try {
-    requireAnswer(dialog);
-  } catch (...) {
-    dialog->deleteLater();
-    throw;
-  }
-  dialog->run();
-  const std::exception_ptr fault = dialog->takeFault();
-  const QVariant result = fault ? QVariant() : resultOf(*dialog);
-  dialog->deleteLater();
-  if (fault)
-    std::rethrow_exception(fault);
-  return result;
+  const QVariant result = guiHalf().execute(command.getName(), parameters);
+  if (result.isValid())
+    command.setResult(result);
 }
 
 }  // namespace
+
+void declareHandleTypes()
+{
+  // Elements are seen as their own classes (zut.dialog.NumberWidget); these are the rest.
+  for (const char* name : {"Control", "ControlGroup", "Timer", "DialogHandle", "DialogResult"})
+    GScript::declareScriptObjectType(QStringLiteral("zut.dialog.") + QLatin1String(name));
+}
 
 int dialogHandleTypeId()
 {
@@ -90,8 +47,7 @@ CreateDialogCommand::CreateDialogCommand()
 
 void CreateDialogCommand::execute(const GApp::CommandParameters& parameters)
 {
-  auto* dialog = new UserDefinedDialog(getArgument<QString>(parameters, QStringLiteral("content")));
-  setResult(QVariant::fromValue(makeDialogHandle(dialog->getId())));
+  forward(*this, parameters);
 }
 
 ExecuteDialogCommand::ExecuteDialogCommand()
@@ -101,7 +57,7 @@ ExecuteDialogCommand::ExecuteDialogCommand()
 
 void ExecuteDialogCommand::execute(const GApp::CommandParameters& parameters)
 {
-  setResult(runToEnd(new UserDefinedDialog(getArgument<QString>(parameters, QStringLiteral("content")))));
+  forward(*this, parameters);
 }
 
 ShowDialogCommand::ShowDialogCommand()
@@ -111,18 +67,9 @@ ShowDialogCommand::ShowDialogCommand()
   dialogHandleTypeId();
 }
 
-// A dialog that a command already waits for cannot be waited for twice.
-UserDefinedDialog* notWaitedFor(UserDefinedDialog* dialog)
-{
-  if (dialog->isWaitedFor())
-    failCommand(ERR_EXECUTE_SCRIPT,
-                errorText("The dialog \"%1\" is already shown.").arg(dialog->windowTitle()));
-  return dialog;
-}
-
 void ShowDialogCommand::execute(const GApp::CommandParameters& parameters)
 {
-  setResult(runToEnd(notWaitedFor(dialogOf(parameters, "id=27662"))));
+  forward(*this, parameters);
 }
 
 OpenDialogCommand::OpenDialogCommand()
@@ -134,10 +81,7 @@ OpenDialogCommand::OpenDialogCommand()
 
 void OpenDialogCommand::execute(const GApp::CommandParameters& parameters)
 {
-  UserDefinedDialog* dialog = notWaitedFor(dialogOf(parameters, "id=28565"));
-  // A closed modeless dialog leaves the map; nothing else holds it.
-  QObject::connect(dialog, &UserDefinedDialog::signalClosed, dialog, &QObject::deleteLater, Qt::UniqueConnection);
-  dialog->openModeless();
+  forward(*this, parameters);
 }
 
 CloseDialogCommand::CloseDialogCommand()
@@ -152,19 +96,7 @@ CloseDialogCommand::CloseDialogCommand()
 
 void CloseDialogCommand::execute(const GApp::CommandParameters& parameters)
 {
-  UserDefinedDialog* dialog = dialogOf(parameters, "id=28569");
-  if (!dialog->canCloseNow())
-    failCommand(ERR_EXECUTE_SCRIPT, errorText("Presently, you cannot close the dialog. Either sub-dialogs are still "
-                                              "open or other menu functions are active.",
-                                              "id=28568"));
-  std::optional<QVariant> result;
-  if (parameters.contains(QStringLiteral("result")))
-    result = parameters.get(QStringLiteral("result")).getValue();
-  const bool waited_for = dialog->isWaitedFor();
-  dialog->closeWithResult(result);
-  // A waiting command lets its dialog go itself; nothing else holds one that was only made.
-  if (!waited_for)
-    dialog->deleteLater();
+  forward(*this, parameters);
 }
 
 }  // namespace Vel::MSysScript

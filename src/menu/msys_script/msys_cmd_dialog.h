@@ -13,6 +13,10 @@ struct DialogHandle
   bool operator==(const DialogHandle& other) const { return id == other.id; }
 };
 
+// Makes the Python types of dialog handles known (zut.dialog.DialogHandle, ...) before any
+// dialog exists.
+void declareHandleTypes();
+
 // The meta-type id of DialogHandle, registered on first use.
 int dialogHandleTypeId();
 

@@ -1,8 +1,6 @@
 #include "menu/msys_script/msys_cmd_editor.h"
 
-#include "gscript/script_database.h"
-#include "menu/msys_script/msys_error_codes.h"
-#include "menu/msys_script/msys_python_script_database.h"
+#include "menu/msys_script/msys_gui_half.h"
 
 namespace Vel::MSysScript {
 
@@ -20,29 +18,9 @@ EditorCommand::~EditorCommand()
   destroyDialog();
 }
 
-void EditorCommand::destroyDialog()
-{
-  delete _dialog.data();
-}
-
 void EditorCommand::execute(const GApp::CommandParameters& parameters)
 {
-  if (!_dialog)
-    _dialog = new ScriptEditorDialog;
-  ErrorLog log;
-  if (parameters.contains(QStringLiteral("file"))) {
-    if (!_dialog->openFile(getArgument<QString>(parameters, QStringLiteral("file")), log))
-      throw GApp::CommandError(QString::fromLatin1(ERR_LOAD_SCRIPT), log);
-  } else if (!_dialog->isRecording() && !_dialog->isModified() && !_dialog->isBusy()) {
-    // An editor that records, runs or holds unsaved changes is shown as it is.
-    DatabaseLock database;
-    const GScript::Script* current = database ? database->getCurrentScript() : nullptr;
-    if (current && !_dialog->openDatabaseScript(current->getFileName(), log))
-      throw GApp::CommandError(QString::fromLatin1(ERR_LOAD_SCRIPT), log);
-  }
-  _dialog->show();
-  _dialog->raise();
-  _dialog->activateWindow();
+  guiHalf().execute(getName(), parameters);
 }
 
 }  // namespace Vel::MSysScript

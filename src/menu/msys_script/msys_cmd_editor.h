@@ -3,9 +3,10 @@
 #include <QPointer>
 
 #include "menu/msys_script/msys_cmd_base.h"
-#include "menu/msys_script/msys_dlg_script_editor.h"
 
 namespace Vel::MSysScript {
+
+class ScriptEditorDialog;
 
 // "sys.show_script_editor": opens the script editor on the database's current script. The
 // program passes a file to edit as the optional argument "file" (not offered to scripts).
@@ -18,8 +19,9 @@ public:
 
   // The editor dialog, while it exists (exit handling saves and closes it).
   bool hasDialog() const { return !_dialog.isNull(); }
-  ScriptEditorDialog* getDialog() const { return _dialog.data(); }
-  void destroyDialog();
+  ScriptEditorDialog* getDialog() const;  // in the GUI half, which makes the window
+  void setDialog(QObject* dialog) { _dialog = dialog; }
+  void destroyDialog() { delete _dialog.data(); }
 
   // Whether the editor records the user's commands into the current script; script commands
   // refuse to run the script being recorded.
@@ -28,7 +30,7 @@ public:
 
 private:
   bool _recording = false;
-  QPointer<ScriptEditorDialog> _dialog;
+  QPointer<QObject> _dialog;
 };
 
 }  // namespace Vel::MSysScript

@@ -2,12 +2,11 @@
 
 #include <QDir>
 #include <QFile>
-#include <QFileDialog>
 
 #include "core/translate.h"
 #include "gapp/app_status_manager.h"
+#include "gapp/interaction.h"
 #include "gscript/execute.h"
-#include "gtools/error_dialog.h"
 #include "menu/msys_script/msys_error_codes.h"
 
 namespace Vel::MSysScript {

@@ -2,13 +2,12 @@
 
 #include <QDir>
 #include <QFile>
-#include <QFileDialog>
 #include <QFileInfo>
 #include <QSaveFile>
 
 #include "core/translate.h"
+#include "gapp/interaction.h"
 #include "gscript/script_database.h"
-#include "gtools/error_dialog.h"
 #include "menu/msys_script/msys_cmd_export_script.h"
 #include "menu/msys_script/msys_error_codes.h"
 #include "menu/msys_script/msys_python_script_database.h"
@@ -91,7 +90,7 @@ void ImportScriptArchiveCommand::execute(const GApp::CommandParameters& paramete
   // Existing scripts are replaced only when a person says so.
   const bool replace =
       !existing.isEmpty() &&
-      GTools::askYesNo(
+      GApp::askYesNo(
           getTitle(),
           QStringLiteral("These scripts exist already:\n%1\nReplace them?").arg(existing.join(QLatin1Char('\n'))),
           false);
@@ -159,7 +158,7 @@ void ExportScriptArchiveCommand::execute(const GApp::CommandParameters& paramete
   if (!file.open(QIODevice::WriteOnly) || file.write(bytes) != bytes.size() || !file.commit())
     failCommand(ERR_EXPORT_ARCHIVE, QStringLiteral("%1: %2").arg(QDir::toNativeSeparators(path), file.errorString()));
   if (!warnings.isEmpty())
-    GTools::ErrorDialog(QString::fromLatin1(ERR_LOAD_IMAGE), warnings.getText());
+    GApp::ErrorDialog(QString::fromLatin1(ERR_LOAD_IMAGE), warnings.getText());
   setResult(file_names);
 }
 

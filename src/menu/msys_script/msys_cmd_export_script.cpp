@@ -2,13 +2,12 @@
 
 #include <QDir>
 #include <QFile>
-#include <QFileDialog>
 #include <QFileInfo>
 #include <QSaveFile>
 
 #include "core/translate.h"
+#include "gapp/interaction.h"
 #include "gscript/script_database.h"
-#include "gtools/error_dialog.h"
 #include "menu/msys_script/msys_error_codes.h"
 #include "menu/msys_script/msys_python_script_database.h"
 
@@ -180,10 +179,10 @@ ImportScriptCommand::ImportScriptCommand()
 
 bool ImportScriptCommand::prepareInteractive(GApp::CommandParameters& parameters)
 {
-  if (parameters.contains(QStringLiteral("files")) || !GTools::isInteractive())
+  if (parameters.contains(QStringLiteral("files")) || !GApp::isInteractive())
     return true;
-  const QStringList files = QFileDialog::getOpenFileNames(
-      nullptr, getTitle(), QString(), translate("MSysScript_Execute_filedir", "Scripts (*.py)", "id=9988"));
+  const QStringList files = GApp::askFileNames(GApp::FileQuestion::OpenMany, getTitle(),
+                                               translate("MSysScript_Execute_filedir", "Scripts (*.py)", "id=9988"));
   if (files.isEmpty())
     return false;
   parameters.set(QStringLiteral("files"), QVariant(files));

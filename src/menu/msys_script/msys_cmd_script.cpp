@@ -8,12 +8,10 @@
 #include "core/translate.h"
 #include "gapp/app_status_manager.h"
 #include "gapp/command_container.h"
-#include "gapp/custom_toolbar_container.h"
 #include "gscript/execute.h"
 #include "gscript/gui_handler.h"
 #include "gscript/python_interpreter.h"
 #include "gscript/script_database.h"
-#include "gtools/icon_cache.h"
 #include "menu/msys_script/msys_cmd_editor.h"
 #include "menu/msys_script/msys_cmd_execute.h"
 #include "menu/msys_script/msys_error_codes.h"
@@ -82,14 +80,13 @@ void ScriptCommand::updateFromScript(const GScript::Script& script)
   getMetaInfo().setReplaces(script.getMetadata().replaces);
   // The level shows in the title only for scripts with an icon of their own.
   QString pattern = translate("MSysScript_MenuHandler_other", "%1 (script)", "id=10047");
-  if (const QPixmap* pixmap = script.getPixmap()) {
-    if (script.getConfigLevel() == GScript::LEVEL_SYSTEM)
+  _config_level = script.getConfigLevel();
+  _icon_file = script.hasIcon() ? script.getIconPath() : QString();
+  if (!_icon_file.isEmpty()) {
+    if (_config_level == GScript::LEVEL_SYSTEM)
       pattern = translate("MSysScript_MenuHandler_other", "%1 (system script)", "id=10048");
-    else if (script.getConfigLevel() == GScript::LEVEL_PUBLIC)
+    else if (_config_level == GScript::LEVEL_PUBLIC)
       pattern = translate("MSysScript_MenuHandler_other", "%1 (public script)", "id=30298");
-    _icon = std::make_unique<QIcon>(*pixmap);
-  } else {
-    _icon = std::make_unique<QIcon>(GIcon::Cache::getConfigLevelIcon(script.getConfigLevel()));
   }
   _menu_title = pattern.arg(script.getDisplayName());
 }
@@ -144,7 +141,6 @@ void ScriptCommand::update(const GScript::ScriptDatabase& database)
       group = new GApp::ToolBarGroupCommand(entry.first);
     group->setCommands(entry.second);
   }
-  GApp::CustomToolBarContainer::getInstance().update();
   container.updateAllActions();
 }
 

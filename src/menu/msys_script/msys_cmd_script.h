@@ -1,9 +1,6 @@
 #pragma once
 
-#include <QIcon>
 #include <QString>
-
-#include <memory>
 
 #include "gapp/command.h"
 
@@ -32,7 +29,9 @@ public:
   void updateFromScript(const GScript::Script& script);
   const QString& getScriptFileName() const { return _script_file_name; }
   const QString& getQualifiedName() const { return _qualified_name; }
-  const QIcon* getIcon() const { return _icon.get(); }
+  // The script's own icon file; empty when it has none, and the menus show its level's icon.
+  const QString& getIconFile() const { return _icon_file; }
+  int getConfigLevel() const { return _config_level; }
   bool getShowInMenu() const { return _show_in_menu; }
 
   // Brings the script commands and the folders' group commands in line with the database;
@@ -43,7 +42,8 @@ private:
   QString _menu_title;
   QString _script_file_name;
   QString _qualified_name;
-  std::unique_ptr<QIcon> _icon;
+  QString _icon_file;
+  int _config_level = 0;
   bool _show_in_menu = true;
 };
 

@@ -21,8 +21,8 @@
 #include "core/parse_binary.h"
 #include "core/python_string.h"
 #include "core/translate.h"
+#include "gapp/interaction.h"
 #include "gapp/progress.h"
-#include "gtools/error_dialog.h"
 #include "gtools/file_dialog.h"
 #include "gtools/vel_separator.h"
 #include "menu/msys_script/msys_dialog_property.h"
@@ -375,8 +375,8 @@ bool LogWidget::saveTo(const QString& file) const
     if (out.commit())
       return true;
   }
-  GTools::ErrorDialog(QString::fromLatin1(ERR_SAVE_FILE),
-                      errorText("Cannot open file for writing: %1").arg(QDir::toNativeSeparators(file)));
+  GApp::ErrorDialog(QString::fromLatin1(ERR_SAVE_FILE),
+                    errorText("Cannot open file for writing: %1").arg(QDir::toNativeSeparators(file)));
   return false;
 }
 
@@ -1098,8 +1098,8 @@ void ImageConfiguration::apply(DialogWidget* widget)
     return;
   if (!file.isEmpty() && _image.isNull() && !_image.load(file)) {
     // The element keeps the picture it had.
-    GTools::ErrorDialog(QString::fromLatin1(ERR_LOAD_IMAGE),
-                        errorText("Cannot load the image file \"%1\".").arg(QDir::toNativeSeparators(file)));
+    GApp::ErrorDialog(QString::fromLatin1(ERR_LOAD_IMAGE),
+                      errorText("Cannot load the image file \"%1\".").arg(QDir::toNativeSeparators(file)));
     return;
   }
   image->setImage(_image, file);

@@ -362,13 +362,6 @@ private:
 
 }  // namespace
 
-void declareHandleTypes()
-{
-  // Elements are seen as their own classes (zut.dialog.NumberWidget); these are the rest.
-  for (const char* name : {"Control", "ControlGroup", "Timer", "DialogHandle", "DialogResult"})
-    GScript::declareScriptObjectType(TYPE_PREFIX + QLatin1String(name));
-}
-
 ScriptObjectPtr makeDialogHandle(int id)
 {
   return std::make_shared<DialogHandleObject>(id);

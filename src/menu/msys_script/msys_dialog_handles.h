@@ -12,9 +12,6 @@ namespace Vel::MSysScript {
 
 class UserDefinedDialog;
 
-// Makes the handle classes known to scripts: element, control, control group, timer, dialog,
-// dialog result.
-void declareHandleTypes();
 // The handle of a dialog by its id, for scripts.
 ScriptObjectPtr makeDialogHandle(int id);
 // The handle that a change of the dialog reports to the change handler: an element, a button

@@ -18,7 +18,7 @@
 #include "core/prog_error.h"
 #include "core/python_string.h"
 #include "core/translate.h"
-#include "gtools/error_dialog.h"
+#include "gapp/interaction.h"
 #include "menu/msys_script/VelMSysXmlTools.h"
 #include "menu/msys_script/msys_config.h"
 #include "menu/msys_script/msys_dialog_widget_tools.h"
@@ -380,13 +380,13 @@ void ListEditorDialog::accept()
   _table->selectionModel()->setCurrentIndex(current, QItemSelectionModel::NoUpdate);
   if (_can_select_default_item && _table->rowCount() > 0 && defaultRow() < 0) {
     // The person's slip in the table, not a failed operation: said without an error code.
-    GTools::ErrorDialog(QString(), translate("VelMSysScript_ListEditor_err", "Please define a default display.", ""));
+    GApp::ErrorDialog(QString(), translate("VelMSysScript_ListEditor_err", "Please define a default display.", ""));
     return;
   }
   if (_row_check) {
     const QString fault = _row_check(getRows());
     if (!fault.isEmpty()) {
-      GTools::ErrorDialog(QString(), fault);
+      GApp::ErrorDialog(QString(), fault);
       return;
     }
   }

@@ -11,7 +11,7 @@
 
 #include "core/prog_error.h"
 #include "core/translate.h"
-#include "gtools/error_dialog.h"
+#include "gapp/interaction.h"
 #include "gtools/file_dialog.h"
 #include "menu/msys_script/msys_dialog_property.h"
 #include "menu/msys_script/msys_error_codes.h"
@@ -167,8 +167,8 @@ void IconPropertyWidget::slotSelect()
   VEL_ASSERT(files.size() == 1);
   QImage image;
   if (!image.load(files.first())) {
-    GTools::ErrorDialog(QString::fromLatin1(ERR_LOAD_IMAGE),
-                        errorText("Cannot load the image file \"%1\".").arg(files.first()));
+    GApp::ErrorDialog(QString::fromLatin1(ERR_LOAD_IMAGE),
+                      errorText("Cannot load the image file \"%1\".").arg(files.first()));
     return;
   }
   setImage(image);

@@ -11,13 +11,13 @@
 #include <algorithm>
 
 #include "core/prog_error.h"
-#include "gscript/python_interpreter.h"
 #include "core/translate.h"
-#include "gtools/error_dialog.h"
+#include "gapp/interaction.h"
+#include "gscript/python_interpreter.h"
 #include "gtools/vel_tool_tip_label.h"
 #include "menu/msys_script/VelMSysXmlTools.h"
-#include "menu/msys_script/msys_dialog_controls.h"
 #include "menu/msys_script/msys_dialog_button_widgets.h"
+#include "menu/msys_script/msys_dialog_controls.h"
 #include "menu/msys_script/msys_dialog_display_widgets.h"
 #include "menu/msys_script/msys_dialog_file_widget.h"
 #include "menu/msys_script/msys_dialog_input_widgets.h"
@@ -305,7 +305,7 @@ void ElementConfiguration::apply(DialogWidget* widget)
     }
   }
   if (!_apply_errors.isEmpty())
-    GTools::ErrorDialog(QString::fromLatin1(ERR_EXECUTE_SCRIPT), _apply_errors.join(QLatin1Char('\n')));
+    GApp::ErrorDialog(QString::fromLatin1(ERR_EXECUTE_SCRIPT), _apply_errors.join(QLatin1Char('\n')));
 }
 
 void ElementConfiguration::doubleClicked(DialogWidget*) {}

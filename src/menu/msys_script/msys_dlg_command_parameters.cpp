@@ -20,9 +20,9 @@
 
 #include "core/translate.h"
 #include "gapp/command_container.h"
+#include "gapp/interaction.h"
 #include "gedit/source_editor.h"
 #include "gscript/script_database.h"
-#include "gtools/error_dialog.h"
 #include "gtools/vel_file_select.h"
 #include "menu/msys_script/msys_cmd_base.h"
 #include "menu/msys_script/msys_error_codes.h"
@@ -331,7 +331,7 @@ bool editCommandParameters(QPlainTextEdit* editor, int line, QWidget* parent, Er
   }
   const auto refuse = [&](const QString& code, const ErrorLog& lines) {
     log.append(lines);
-    GTools::ErrorDialog(code, lines.getText());
+    GApp::ErrorDialog(code, lines.getText());
     return false;
   };
   if (interval == CommandBlockAccess::INVALID)

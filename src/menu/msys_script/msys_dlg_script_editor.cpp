@@ -30,11 +30,11 @@
 #include "core/translate.h"
 #include "gapp/command.h"
 #include "gapp/command_container.h"
+#include "gapp/interaction.h"
 #include "gedit/find_bar.h"
 #include "gedit/source_editor.h"
 #include "gscript/execute.h"
 #include "gscript/script_database.h"
-#include "gtools/error_dialog.h"
 #include "menu/msys_script/msys_cmd_editor.h"
 #include "menu/msys_script/msys_config.h"
 #include "menu/msys_script/msys_error_codes.h"
@@ -45,32 +45,6 @@
 
 namespace Vel::MSysScript {
 namespace {
-
-const QByteArray UTF8_BOM("\xEF\xBB\xBF");
-
-// Python's own normalisation of the names it knows best, and the spellings of Latin-1 that
-// the converter would not find.
-QByteArray normalEncodingName(const QByteArray& name)
-{
-  const QByteArray e = name.left(12).toLower().replace('_', '-');
-  if (e == "utf-8" || e.startsWith("utf-8-") || e == "utf8")
-    return "utf-8";
-  if (e == "latin-1" || e == "iso-8859-1" || e == "iso-latin-1" || e.startsWith("latin-1-") ||
-      e.startsWith("iso-8859-1-") || e.startsWith("iso-latin-1-") || e == "latin1" || e == "l1" || e == "iso8859-1")
-    return "iso-8859-1";
-  return name;
-}
-
-QStringConverter::Flags converterFlags()
-{
-  // A byte-order mark is the format's business; a second one is text.
-  return QStringConverter::Flag::ConvertInitialBom;
-}
-
-QString encodingTitle(const QByteArray& encoding)
-{
-  return encoding == "utf-8" ? QStringLiteral("UTF-8") : QString::fromLatin1(encoding);
-}
 
 // The small window that stands in for the hidden editor while it records: closing it stops the
 // recording like its button, so that the editor never stays hidden.
@@ -110,112 +84,6 @@ QString recoveryFolder()
 }
 
 }  // namespace
-
-QByteArray ScriptFileFormat::declaredEncoding(const QByteArray& head)
-{
-  static const QRegularExpression declaration(QStringLiteral("^[ \\t\\f]*#.*?coding[:=][ \\t]*([-\\w.]+)"));
-  static const QRegularExpression blank_or_comment(QStringLiteral("^[ \\t\\f]*(?:[#\\r\\n]|$)"));
-  const QList<QByteArray> lines = head.left(4096).split('\n');
-  for (int i = 0; i < qMin(2, int(lines.size())); ++i) {
-    const QString line = QString::fromLatin1(lines[i]);
-    const QRegularExpressionMatch match = declaration.match(line);
-    if (match.hasMatch())
-      return normalEncodingName(match.captured(1).toLatin1());
-    // The second line counts only below a blank or comment line.
-    if (!blank_or_comment.match(line).hasMatch())
-      break;
-  }
-  return QByteArray();
-}
-
-bool ScriptFileFormat::decode(const QByteArray& bytes, QString& text, ScriptFileFormat& format, QString& error)
-{
-  ScriptFileFormat found;
-  QByteArray body = bytes;
-  if (body.startsWith(UTF8_BOM)) {
-    found.bom = true;
-    body.remove(0, UTF8_BOM.size());
-  }
-  const QByteArray declared = declaredEncoding(body);
-  if (found.bom && !declared.isEmpty() && declared != "utf-8") {
-    error = QStringLiteral("it begins with a UTF-8 byte-order mark but declares the encoding '%1'")
-                .arg(QString::fromLatin1(declared));
-    return false;
-  }
-  if (!declared.isEmpty())
-    found.encoding = declared;
-  QStringDecoder decoder(found.encoding.constData(), converterFlags());
-  if (!decoder.isValid()) {
-    error = QStringLiteral("the encoding '%1' that it declares is not known").arg(QString::fromLatin1(declared));
-    return false;
-  }
-  QString decoded = decoder.decode(body);
-  // What does not decode comes back different when written again: that is where it fails.
-  QStringEncoder encoder(found.encoding.constData(), converterFlags());
-  const QByteArray again = encoder.encode(decoded);
-  if (decoder.hasError() || again != body) {
-    qsizetype at = 0;
-    while (at < body.size() && at < again.size() && body[at] == again[at])
-      ++at;
-    const int line = int(body.left(at).count('\n')) + 1;
-    error = declared.isEmpty()
-                ? QStringLiteral(
-                      "line %1 is not valid UTF-8, and the file declares no other encoding (a first line "
-                      "such as '# -*- coding: latin-1 -*-' names the encoding it is written in)")
-                      .arg(line)
-                : QStringLiteral("line %1 is not valid %2, the encoding the file declares")
-                      .arg(line)
-                      .arg(encodingTitle(found.encoding));
-    return false;
-  }
-  const int break_at = int(decoded.indexOf(QRegularExpression(QStringLiteral("[\r\n]"))));
-  if (break_at >= 0 && decoded[break_at] == QLatin1Char('\r'))
-    found.line_ending = break_at + 1 < decoded.size() && decoded[break_at + 1] == QLatin1Char('\n') ? "\r\n" : "\r";
-  decoded.replace(QStringLiteral("\r\n"), QStringLiteral("\n"));
-  decoded.replace(QLatin1Char('\r'), QLatin1Char('\n'));
-  text = decoded;
-  format = found;
-  return true;
-}
-
-bool ScriptFileFormat::encode(const QString& text, QByteArray& bytes, QString& error) const
-{
-  const QByteArray declared = declaredEncoding(text.left(4096).toUtf8());
-  if (bom && !declared.isEmpty() && declared != "utf-8") {
-    error = QStringLiteral("the file begins with a UTF-8 byte-order mark, so it cannot declare the encoding '%1'")
-                .arg(QString::fromLatin1(declared));
-    return false;
-  }
-  const QByteArray target = declared.isEmpty() ? QByteArray("utf-8") : declared;
-  QStringEncoder encoder(target.constData(), converterFlags());
-  if (!encoder.isValid()) {
-    error = QStringLiteral("the encoding '%1' that the text declares is not known").arg(QString::fromLatin1(target));
-    return false;
-  }
-  QString lines = text;
-  if (line_ending != "\n")
-    lines.replace(QLatin1Char('\n'), QString::fromLatin1(line_ending));
-  QByteArray encoded = encoder.encode(lines);
-  // What cannot be written comes back different: say where, rather than write a substitute.
-  QStringDecoder decoder(target.constData(), converterFlags());
-  const QString back = decoder.decode(encoded);
-  if (encoder.hasError() || back != lines) {
-    int at = 0;
-    while (at < lines.size() && at < back.size() && lines[at] == back[at])
-      ++at;
-    const int line = int(QStringView(lines).left(at).count(QLatin1Char('\n'))) + 1;
-    const char32_t code = at < lines.size() ? lines[at].unicode() : 0;
-    error = QStringLiteral(
-                "line %1: the character U+%2 cannot be written in %3 (the coding declaration names the "
-                "file's encoding)")
-                .arg(line)
-                .arg(uint(code), 4, 16, QLatin1Char('0'))
-                .arg(encodingTitle(target));
-    return false;
-  }
-  bytes = bom ? UTF8_BOM + encoded : encoded;
-  return true;
-}
 
 // ---------------------------------------------------------------------------------------------
 
@@ -292,7 +160,7 @@ bool ScriptEditorDialog::startRecording(ErrorLog& log)
   }
   _recorder = std::make_unique<ScriptRecorder>(
       [this](const QStringList& lines) { insertRecorded(lines); },
-      [](const QString& message) { GTools::ErrorDialog(QString::fromLatin1(ERR_RECORD_SCRIPT), message); });
+      [](const QString& message) { GApp::ErrorDialog(QString::fromLatin1(ERR_RECORD_SCRIPT), message); });
   setEditorCommandRecording(true);
   action("record")->setChecked(true);
   setStatus(QStringLiteral("Recording: the commands you run are written at the cursor."));
@@ -551,7 +419,7 @@ void ScriptEditorDialog::offerRecovery()
   }
   const QString name = !_file.isEmpty() ? QDir::toNativeSeparators(_file) : _database_file;
   // Nobody to ask: the changes come back unsaved, the file stays as it is.
-  const bool restore = GTools::askYesNo(
+  const bool restore = GApp::askYesNo(
       windowTitle(),
       QStringLiteral("Changes to %1 were not saved when the application ended (%2).\n"
                      "Restore them? No sets them aside in %3.discarded.")
@@ -573,7 +441,7 @@ void ScriptEditorDialog::saveWithReport()
 {
   ErrorLog log;
   if (!save(log))
-    GTools::ErrorDialog(QString::fromLatin1(ERR_SAVE_SCRIPT), log.getText());
+    GApp::ErrorDialog(QString::fromLatin1(ERR_SAVE_SCRIPT), log.getText());
 }
 
 void ScriptEditorDialog::updateTitle()
@@ -595,7 +463,7 @@ void ScriptEditorDialog::closeEvent(QCloseEvent* event)
     event->ignore();
     return;
   }
-  if (isModified() && GTools::isInteractive()) {
+  if (isModified() && GApp::isInteractive()) {
     const auto answer = QMessageBox::question(this, windowTitle(), QStringLiteral("Save the changes?"),
                                               QMessageBox::Save | QMessageBox::Discard | QMessageBox::Cancel);
     if (answer == QMessageBox::Cancel) {
@@ -607,7 +475,7 @@ void ScriptEditorDialog::closeEvent(QCloseEvent* event)
     if (answer == QMessageBox::Save) {
       ErrorLog log;
       if (!save(log)) {
-        GTools::ErrorDialog(QString::fromLatin1(ERR_SAVE_SCRIPT), log.getText());
+        GApp::ErrorDialog(QString::fromLatin1(ERR_SAVE_SCRIPT), log.getText());
         event->ignore();
         return;
       }

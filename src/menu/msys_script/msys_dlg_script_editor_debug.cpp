@@ -23,11 +23,11 @@
 #include <memory>
 
 #include "gapp/command.h"
+#include "gapp/interaction.h"
 #include "gedit/find_bar.h"
 #include "gedit/source_editor.h"
 #include "gscript/execute.h"
 #include "gscript/safe_points.h"
-#include "gtools/error_dialog.h"
 #include "menu/msys_script/msys_dialog_answers.h"
 #include "menu/msys_script/msys_dlg_command_parameters.h"
 #include "menu/msys_script/msys_dlg_script_editor.h"
@@ -219,7 +219,7 @@ void ScriptEditorDialog::createActions()
            ErrorLog log;
            if (!startRecording(log)) {
              action("record")->setChecked(false);
-             GTools::ErrorDialog(QString::fromLatin1(ERR_RECORD_SCRIPT), log.getText());
+             GApp::ErrorDialog(QString::fromLatin1(ERR_RECORD_SCRIPT), log.getText());
            }
          },
          true}}}};
@@ -507,7 +507,7 @@ void ScriptEditorDialog::updateReplacedNames()
       if (!_file.isEmpty() ? openFile(_file, reload) : openDatabaseScript(_database_file, reload))
         setStatus(QStringLiteral("Updated."));
       else
-        GTools::ErrorDialog(QString::fromLatin1(ERR_LOAD_SCRIPT), reload.getText());
+        GApp::ErrorDialog(QString::fromLatin1(ERR_LOAD_SCRIPT), reload.getText());
     }
     return;
   }

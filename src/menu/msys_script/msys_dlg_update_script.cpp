@@ -16,7 +16,7 @@
 
 #include "cfg/cfg.h"
 #include "core/translate.h"
-#include "gtools/error_dialog.h"
+#include "gapp/interaction.h"
 #include "menu/msys_script/msys_config.h"
 #include "menu/msys_script/msys_error_codes.h"
 
@@ -136,7 +136,7 @@ void UpdateScriptDialog::accept()
   if (!_update.changes.isEmpty()) {
     ErrorLog log;
     if (!writeUpdatedScript(_path, _update.text, _format, backupWanted(), &_backup, log)) {
-      GTools::ErrorDialog(QString::fromLatin1(ERR_SAVE_SCRIPT), log.getText());
+      GApp::ErrorDialog(QString::fromLatin1(ERR_SAVE_SCRIPT), log.getText());
       return;
     }
   }
@@ -162,7 +162,7 @@ bool showScriptUpdate(const QString& path, QWidget* parent, ErrorLog& log)
     return dialog.exec() == QDialog::Accepted && !dialog.update().changes.isEmpty();
   } catch (const GApp::CommandError& error) {
     log.append(error.getLog());
-    GTools::ErrorDialog(error.getCode(), error.getLog().getText());
+    GApp::ErrorDialog(error.getCode(), error.getLog().getText());
     return false;
   }
 }

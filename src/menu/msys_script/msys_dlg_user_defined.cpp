@@ -1,24 +1,24 @@
 #include "menu/msys_script/msys_dlg_user_defined.h"
 
 #include <QApplication>
+#include <QEventLoop>
 #include <QGridLayout>
 #include <QPushButton>
 #include <QScreen>
 #include <QShowEvent>
-#include <QEventLoop>
 #include <QTimer>
 #include <QVBoxLayout>
 
 #include "gapp/app_status_manager.h"
+#include "gapp/interaction.h"
 #include "gapp/main_window.h"
 #include "gscript/python_interpreter.h"
 #include "gscript/safe_points.h"
 #include "gtools/dialog_widget_supplier.h"
-#include "gtools/error_dialog.h"
-#include "menu/msys_script/msys_dialog_handles.h"
-#include "menu/msys_script/msys_error_codes.h"
 #include "menu/msys_script/msys_dialog_controls.h"
+#include "menu/msys_script/msys_dialog_handles.h"
 #include "menu/msys_script/msys_dialog_styles.h"
+#include "menu/msys_script/msys_error_codes.h"
 
 namespace Vel::MSysScript {
 
@@ -229,9 +229,9 @@ void UserDefinedDialog::failWith(std::exception_ptr fault)
     try {
       std::rethrow_exception(fault);
     } catch (const GApp::CommandError& error) {
-      GTools::ErrorDialog(error.getCode(), error.getLog().getText());
+      GApp::ErrorDialog(error.getCode(), error.getLog().getText());
     } catch (const std::exception& error) {
-      GTools::ErrorDialog(QString::fromLatin1(ERR_EXECUTE_SCRIPT), QString::fromUtf8(error.what()));
+      GApp::ErrorDialog(QString::fromLatin1(ERR_EXECUTE_SCRIPT), QString::fromUtf8(error.what()));
     }
   } else if (!_fault) {
     _fault = fault;

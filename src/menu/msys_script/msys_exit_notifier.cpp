@@ -2,11 +2,12 @@
 
 #include "core/translate.h"
 #include "gapp/command_container.h"
+#include "gapp/interaction.h"
 #include "gapp/main_window.h"
 #include "gedit/source_editor.h"
 #include "gscript/gui_handler.h"
-#include "gtools/error_dialog.h"
 #include "menu/msys_script/msys_cmd_editor.h"
+#include "menu/msys_script/msys_dlg_script_editor.h"
 #include "menu/msys_script/msys_error_codes.h"
 
 namespace Vel::MSysScript {
@@ -21,7 +22,7 @@ bool ExitNotifier::confirmExit(bool silent)
 {
   if (silent || !VelInit::isKioskMode())
     return true;
-  const bool answer = GTools::askYesNo(
+  const bool answer = GApp::askYesNo(
       translate("MSysScript_ExitNotifier_dlg", "Exit", "id=38261#title,kiosk"),
       translate("MSysScript_ExitNotifier_dlg", "Do you want to exit the application?", "id=38262#kiosk"), true);
   // The Escape that may have led here must not abort the next script.
@@ -54,7 +55,7 @@ void ExitNotifier::prepareExit()
   // recovery file that opening the file again offers.
   ErrorLog log;
   if (!dialog->writeRecovery(log))
-    GTools::ErrorDialog(QString::fromLatin1(ERR_SAVE_SCRIPT), log.getText());
+    GApp::ErrorDialog(QString::fromLatin1(ERR_SAVE_SCRIPT), log.getText());
   // A failed write was reported; the changes must not be asked about again on closing.
   dialog->getEditor()->document()->setModified(false);
   dialog->close();

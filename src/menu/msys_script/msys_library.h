@@ -1,5 +1,10 @@
 #pragma once
 
+#include <QString>
+
+#include <exception>
+
+#include "core/prog_error.h"
 #include "core/vel_export.h"
 
 namespace Vel {
@@ -53,5 +58,26 @@ VEL_EXPORT char* DialogTemplates(const char* name, int* faulty);
 // when a script could not be read or written (it is left as it was), -1 after a program error.
 VEL_EXPORT int UpdateScripts(const char* const* files, int count, int dry_run, void (*out)(const char*),
                              void (*err)(const char*));
+
+// Of the module's GUI half (a library of its own, loaded with the windows): sets up what the
+// windows need (the break dialog, the editor's exit handling, the script menu, the dialog
+// elements) and takes it down again.
+VEL_EXPORT void InitGui();
+VEL_EXPORT void CloseGui();
+}
+
+// Runs an exported function's body: nothing is thrown across the C boundary; a program error
+// goes to the host's reporter.
+template <class Function>
+void guarded(const char* function, Function body)
+{
+  try {
+    body();
+  } catch (const ProgError& error) {
+    reportProgError(error);
+  } catch (const std::exception& error) {
+    reportProgError(
+        ProgError(QString::fromLatin1(function), QStringLiteral("msys_library"), QString::fromUtf8(error.what())));
+  }
 }
 }  // namespace Vel::MSysScript

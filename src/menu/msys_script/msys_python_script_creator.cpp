@@ -6,7 +6,7 @@
 #include "gscript/import_handler.h"
 #include "menu/msys_script/msys_cmd_export_script.h"
 #include "menu/msys_script/msys_cmd_script.h"
-#include "menu/msys_script/msys_python_highlighter.h"
+#include "menu/msys_script/msys_gui_half.h"
 #include "menu/msys_script/msys_python_script_database.h"
 
 namespace Vel::MSysScript {
@@ -90,7 +90,8 @@ void PythonScriptCreator::exportScriptArchive() const
 void PythonScriptCreator::update(const GScript::ScriptDatabase* database) const
 {
   ScriptCommand::update(*database);
-  PythonHighlighter::update(database);
+  if (const GuiHalf* gui = loadedGuiHalf())
+    gui->database_changed(database);
 }
 
 void installDatabaseImportHandler()

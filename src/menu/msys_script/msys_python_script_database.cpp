@@ -3,8 +3,8 @@
 #include <new>
 
 #include "core/prog_error.h"
+#include "gapp/interaction.h"
 #include "gscript/script_database.h"
-#include "gtools/error_dialog.h"
 #include "menu/msys_script/msys_error_codes.h"
 #include "menu/msys_script/msys_python_script_creator.h"
 
@@ -32,7 +32,7 @@ GScript::ScriptDatabase* PythonScriptDatabase::getDatabase(bool flag)
     if (database) {
       ErrorLog log;
       if (!database->initialize(flag, &log))
-        GTools::ErrorDialog(QString::fromLatin1(ERR_LOAD_DATABASE), log.getText());
+        GApp::ErrorDialog(QString::fromLatin1(ERR_LOAD_DATABASE), log.getText());
     }
   }
   ++lock_counter;

@@ -1,10 +1,12 @@
 #include "menu/msys_script/msys_script_menu_provider.h"
 
 #include <QMenu>
+#include <QPixmap>
 
 #include "core/prog_error.h"
 #include "gapp/command_container.h"
 #include "gscript/script_database.h"
+#include "gtools/icon_cache.h"
 #include "menu/msys_script/msys_cmd_script.h"
 
 namespace Vel::MSysScript {
@@ -81,7 +83,7 @@ void addScripts(QMenu* menu)
     if (!script || !script->getShowInMenu() || script->getQualifiedName().contains(QLatin1Char('/')))
       continue;
     separate();
-    addCommand(menu, script, script->getIcon() ? *script->getIcon() : QIcon());
+    addCommand(menu, script, ScriptSpecialMenuProvider::iconOf(*script));
   }
   const QString group_prefix = GScript::ScriptDatabase::makeGroupCommandName(QString());
   for (auto it = container.lowerBound(group_prefix); it != container.end() && it->first.startsWith(group_prefix);
@@ -95,11 +97,19 @@ void addScripts(QMenu* menu)
     sub->setObjectName(group->getName());
     for (const QString& name : group->getCommands())
       if (const auto* script = dynamic_cast<const ScriptCommand*>(container.getCommand(name)))
-        addCommand(sub, script, script->getIcon() ? *script->getIcon() : QIcon());
+        addCommand(sub, script, ScriptSpecialMenuProvider::iconOf(*script));
   }
 }
 
 }  // namespace
+
+QIcon ScriptSpecialMenuProvider::iconOf(const ScriptCommand& command)
+{
+  QPixmap pixmap;
+  if (!command.getIconFile().isEmpty() && pixmap.load(command.getIconFile()))
+    return QIcon(pixmap);
+  return GIcon::Cache::getConfigLevelIcon(command.getConfigLevel());
+}
 
 void ScriptSpecialMenuProvider::fillMenu(QMenu* menu) const
 {

@@ -14,10 +14,10 @@
 #include "gapp/command_container.h"
 #include "gscript/script_database.h"
 #include "menu/msys_script/msys_config.h"
-#include "menu/msys_script/msys_dlg_script_editor.h"
 #include "menu/msys_script/msys_error_codes.h"
 #include "menu/msys_script/msys_parameter_map.h"
 #include "menu/msys_script/msys_python_script_database.h"
+#include "menu/msys_script/msys_script_file_format.h"
 
 namespace Vel::MSysScript {
 namespace {

@@ -5,6 +5,8 @@
 #include <QLocale>
 #include <QTranslator>
 
+#include <vector>
+
 namespace Vel {
 namespace {
 QString& language()
@@ -29,6 +31,21 @@ QString translate(const char* context, const char* text, const char* key)
   return QCoreApplication::translate(context, text, key);
 }
 
+namespace {
+// Catalogues stay for the process lifetime, across a change of the application object.
+std::vector<QTranslator*>& installedTranslators()
+{
+  static std::vector<QTranslator*> translators;
+  return translators;
+}
+}  // namespace
+
+void reinstallTranslators()
+{
+  for (QTranslator* translator : installedTranslators())
+    QCoreApplication::installTranslator(translator);
+}
+
 QStringList translationFolders()
 {
   QStringList folders;
@@ -46,9 +63,9 @@ bool installTranslator(const QString& name)
   if (!QCoreApplication::instance())
     return false;
   for (const QString& folder : translationFolders()) {
-    // Owned by the application object: catalogues stay installed for the process lifetime.
-    auto* translator = new QTranslator(QCoreApplication::instance());
+    auto* translator = new QTranslator;
     if (translator->load(QLocale(), name, QStringLiteral("_"), folder)) {
+      installedTranslators().push_back(translator);
       QCoreApplication::installTranslator(translator);
       Translator::setLanguage(translator->language().replace(QLatin1Char('-'), QLatin1Char('_')));
       return true;

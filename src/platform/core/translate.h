@@ -13,6 +13,9 @@ VEL_EXPORT QString translate(const char* context, const char* text, const char* 
 // Installs the Qt catalogue `<name>_<locale>.qm` for the current locale from the
 // translation folders. Returns false when there is none (English is then used).
 VEL_EXPORT bool installTranslator(const QString& name);
+// Installs the catalogues installed so far into a new application object, which replaced the
+// one they were installed in.
+VEL_EXPORT void reinstallTranslators();
 
 // Folders searched for catalogues: $ZUT_TRANSLATIONS, then share/zut/translations next to
 // the program's installation.

@@ -76,6 +76,8 @@ void CommandContainer::deleteAll()
 void CommandContainer::updateAllActions()
 {
   ++_update_count;
+  for (const auto& listener : _actions_listeners)
+    listener();
 }
 
 }  // namespace Vel::GApp

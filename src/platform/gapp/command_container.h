@@ -3,6 +3,7 @@
 #include <QString>
 
 #include <cstdint>
+#include <functional>
 #include <map>
 #include <vector>
 
@@ -41,8 +42,9 @@ public:
   // Deletes every command; the host calls this before it unloads the plug-ins.
   void deleteAll();
 
-  // Menus and tool bars refresh their entries from the commands.
+  // Menus and tool bars refresh their entries from the commands: each listener is told.
   void updateAllActions();
+  void addActionsListener(std::function<void()> listener) { _actions_listeners.push_back(std::move(listener)); }
   uint64_t getUpdateCount() const { return _update_count; }
 
   // Changes whenever a command is registered or withdrawn: whoever keeps a Command* or a result
@@ -56,6 +58,7 @@ private:
   std::map<const Command*, uint64_t> _sequence;
   uint64_t _next_sequence = 0;
   uint64_t _update_count = 0;
+  std::vector<std::function<void()>> _actions_listeners;
   uint64_t _generation = 0;
 };
 

@@ -1,14 +1,12 @@
 #include "gapp/main_window.h"
 
-#include <QAbstractButton>
-#include <QMenu>
 #include <QPointer>
 
 #include <algorithm>
 
 #include "core/prog_error.h"
 #include "gapp/app_status_manager.h"
-#include "gtools/error_dialog.h"
+#include "gapp/interaction.h"
 
 namespace Vel {
 namespace {
@@ -34,7 +32,7 @@ std::vector<SpecialMenuProvider*>& providers()
 
 struct AbortState
 {
-  std::vector<QPointer<QAbstractButton>> buttons;
+  std::vector<QPointer<QObject>> buttons;
   bool script_running = false;
   int requests = 0;
   std::function<void()> handler;
@@ -55,6 +53,16 @@ AbortState& abortState()
 }
 }  // namespace
 
+// Buttons are reached through the meta-object system: this library does not link the widgets.
+class AbortButtonListener : public QObject
+{
+  Q_OBJECT
+public:
+  using QObject::QObject;
+public Q_SLOTS:
+  void clicked() { MainWindow::requestAbort(); }
+};
+
 SpecialMenuProvider::~SpecialMenuProvider() = default;
 
 bool MainWindow::executeMenu(Command* command, const CommandParameters& parameters)
@@ -64,9 +72,9 @@ bool MainWindow::executeMenu(Command* command, const CommandParameters& paramete
     command->run(parameters, true);
     return true;
   } catch (const CommandError& error) {
-    GTools::ErrorDialog(error.getCode(), error.getLog().getText());
+    GApp::ErrorDialog(error.getCode(), error.getLog().getText());
   } catch (const ProgError& error) {
-    GTools::ErrorDialog(QString(), QStringLiteral("Internal error: %1").arg(QString::fromUtf8(error.what())));
+    GApp::ErrorDialog(QString(), QStringLiteral("Internal error: %1").arg(QString::fromUtf8(error.what())));
   }
   return false;
 }
@@ -94,14 +102,14 @@ void MainWindow::fillSpecialMenu(const QString& menu_id, QMenu* menu)
       provider->fillMenu(menu);
 }
 
-void MainWindow::addAbortButton(QAbstractButton* button)
+void MainWindow::addAbortButton(QObject* button)
 {
   VEL_ASSERT(button);
   AbortState& state = abortState();
   state.prune();
   state.buttons.emplace_back(button);
-  button->setEnabled(state.script_running);
-  QObject::connect(button, &QAbstractButton::clicked, button, [] { requestAbort(); });
+  button->setProperty("enabled", state.script_running);
+  QObject::connect(button, SIGNAL(clicked()), new AbortButtonListener(button), SLOT(clicked()));
 }
 
 int MainWindow::getAbortButtonCount()
@@ -116,7 +124,7 @@ void MainWindow::setScriptRunning(bool running)
   state.script_running = running;
   state.prune();
   for (const auto& button : state.buttons)
-    button->setEnabled(running);
+    button->setProperty("enabled", running);
 }
 
 bool MainWindow::isScriptRunning()
@@ -144,3 +152,5 @@ void MainWindow::setAbortHandler(std::function<void()> handler)
 
 }  // namespace GApp
 }  // namespace Vel
+
+#include "main_window.moc"

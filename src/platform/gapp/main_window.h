@@ -8,8 +8,8 @@
 #include "core/vel_export.h"
 #include "gapp/command.h"
 
-class QAbstractButton;
 class QMenu;
+class QObject;
 
 namespace Vel {
 
@@ -49,7 +49,7 @@ public:
 
   // Buttons that stop the running script. The host keeps them disabled while no script runs;
   // a click asks for the abort. A button leaves the list when it is destroyed.
-  static void addAbortButton(QAbstractButton* button);
+  static void addAbortButton(QObject* button);
   static int getAbortButtonCount();
   // Told by whoever runs scripts: enables or disables every abort button.
   static void setScriptRunning(bool running);

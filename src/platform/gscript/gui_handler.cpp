@@ -1,6 +1,6 @@
 #include "gscript/gui_handler.h"
 
-#include <QGuiApplication>
+#include "gapp/interaction.h"
 
 namespace Vel::GScript {
 
@@ -30,18 +30,14 @@ const DialogAnswersHandler& getDialogAnswersHandler()
 
 CursorDisabler::CursorDisabler()
 {
-  if (!qobject_cast<QGuiApplication*>(QCoreApplication::instance()))
-    return;
-  while (const QCursor* cursor = QGuiApplication::overrideCursor()) {
-    _cursors << *cursor;
-    QGuiApplication::restoreOverrideCursor();
-  }
+  if (const auto& take = GApp::Gui::services().take_cursors)
+    _restore = take();
 }
 
 CursorDisabler::~CursorDisabler()
 {
-  for (auto it = _cursors.crbegin(); it != _cursors.crend(); ++it)
-    QGuiApplication::setOverrideCursor(*it);
+  if (_restore)
+    _restore();
 }
 
 }  // namespace Vel::GScript

@@ -1,6 +1,5 @@
 #pragma once
 
-#include <QCursor>
 #include <QList>
 #include <QVariantList>
 
@@ -42,7 +41,7 @@ public:
   CursorDisabler& operator=(const CursorDisabler&) = delete;
 
 private:
-  QList<QCursor> _cursors;  // the override cursors taken away, innermost first
+  std::function<void()> _restore;  // puts the cursors taken away back
 };
 
 }  // namespace Vel::GScript

@@ -184,18 +184,9 @@ QString Script::getIconPath() const
   return _metadata.icon.isEmpty() ? QString() : QFileInfo(_path).dir().filePath(_metadata.icon);
 }
 
-const QPixmap* Script::getPixmap() const
+bool Script::hasIcon() const
 {
-  // Read on demand: most scripts have no icon, and listing must stay cheap.
-  if (!_pixmap_loaded) {
-    _pixmap_loaded = true;
-    if (!_metadata.icon.isEmpty()) {
-      auto pixmap = std::make_unique<QPixmap>();
-      if (pixmap->load(getIconPath()))
-        _pixmap = std::move(pixmap);
-    }
-  }
-  return _pixmap.get();
+  return !_metadata.icon.isEmpty() && QFileInfo(getIconPath()).isFile();
 }
 
 ScriptCreator::~ScriptCreator() = default;

@@ -1,6 +1,5 @@
 #pragma once
 
-#include <QPixmap>
 #include <QString>
 #include <QStringList>
 
@@ -51,8 +50,9 @@ public:
   QString getDisplayName() const;
   bool getShowInMenu() const { return _metadata.show_in_menu; }
   const ScriptMetadata& getMetadata() const { return _metadata; }
-  // The script's own icon; null when it has none or the image cannot be read.
-  const QPixmap* getPixmap() const;
+  // Whether the script has an icon of its own: one is named and its file is there. The picture is
+  // read where it is drawn.
+  bool hasIcon() const;
   int getConfigLevel() const { return _level; }
   // Where the script is on disk.
   const QString& getPath() const { return _path; }
@@ -69,8 +69,6 @@ private:
   int _level = LEVEL_USER;
   ScriptMetadata _metadata;
   QByteArray _source;
-  mutable bool _pixmap_loaded = false;
-  mutable std::unique_ptr<QPixmap> _pixmap;
 };
 
 // A folder of scripts, merged over the levels that have it.

@@ -4,7 +4,7 @@
 #include <QMap>
 #include <QRegularExpression>
 
-#include "gtools/error_dialog.h"
+#include "gapp/interaction.h"
 
 namespace Vel::GTools {
 
@@ -69,7 +69,7 @@ QStringList FileDialog::getFileNames(QWidget* parent, Mode mode, const QString& 
 {
   if (handler())
     return handler()({mode, title, types, start, selected});
-  if (!isInteractive())
+  if (!GApp::isInteractive())
     return {};
   QStringList filters;
   for (const QString& type : types)

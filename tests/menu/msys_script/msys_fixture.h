@@ -6,7 +6,7 @@
 #include "core/prog_error.h"
 #include "menu/msys_script/msys_library.h"
 
-// The module started once for the whole test program, as the host starts it.
+// The module started once for the whole test program, as the host starts it, with its windows.
 inline Vel::Cfg& startedModule()
 {
   static QTemporaryDir dir;
@@ -14,6 +14,7 @@ inline Vel::Cfg& startedModule()
     auto* created = new Vel::Cfg(dir.filePath(QStringLiteral("config.json")));
     Vel::MSysScript::InitLibrary(created->root());
     Vel::MSysScript::InitDefaults();
+    Vel::MSysScript::InitGui();
     Vel::ProgError error{QString(), QString(), QString()};
     if (Vel::takeReportedProgError(error))
       throw error;

@@ -15,7 +15,7 @@
 #include <gtest/gtest.h>
 
 #include "gapp/command_container.h"
-#include "gtools/error_dialog.h"
+#include "gapp/interaction.h"
 #include "gtools/vel_file_select.h"
 #include "menu/msys_script/msys_dlg_command_parameters.h"
 #include "menu/msys_script/msys_error_codes.h"
@@ -53,9 +53,9 @@ protected:
   }
   void SetUp() override
   {
-    GTools::setErrorDialogHandler([this](const QString& code, const QString& text) { shown << code + ' ' + text; });
+    GApp::setErrorDialogHandler([this](const QString& code, const QString& text) { shown << code + ' ' + text; });
   }
-  void TearDown() override { GTools::setErrorDialogHandler(nullptr); }
+  void TearDown() override { GApp::setErrorDialogHandler(nullptr); }
 
   // Opens the form on `line` of the editor, lets `act` work on it, then presses OK. Without
   // `act` the form is not expected to open.

@@ -17,7 +17,7 @@
 
 #include "core/prog_error.h"
 #include "dialog_test_tools.h"
-#include "gtools/error_dialog.h"
+#include "gapp/interaction.h"
 #include "gtools/file_dialog.h"
 #include "menu/msys_script/msys_dialog_definition.h"
 #include "menu/msys_script/msys_dialog_display_widgets.h"
@@ -43,12 +43,11 @@ struct HostDialogs
   QStringList errors;
   HostDialogs()
   {
-    Vel::GTools::setErrorDialogHandler(
-        [this](const QString& code, const QString& text) { errors << code + ' ' + text; });
+    Vel::GApp::setErrorDialogHandler([this](const QString& code, const QString& text) { errors << code + ' ' + text; });
   }
   ~HostDialogs()
   {
-    Vel::GTools::setErrorDialogHandler(nullptr);
+    Vel::GApp::setErrorDialogHandler(nullptr);
     Vel::GTools::FileDialog::setHandler(nullptr);
   }
 };

@@ -20,7 +20,7 @@
 
 #include "core/color.h"
 #include "core/prog_error.h"
-#include "gtools/error_dialog.h"
+#include "gapp/interaction.h"
 #include "gtools/file_dialog.h"
 #include "gtools/vel_color_button.h"
 #include "gtools/vel_combo_box.h"
@@ -204,7 +204,7 @@ TEST(Property, IconPanelLoadsAChosenImageAndReportsOneThatDoesNotLoad)
     return QStringList{chosen};
   });
   QStringList errors;
-  Vel::GTools::setErrorDialogHandler([&](const QString& code, const QString& text) { errors << code + ' ' + text; });
+  Vel::GApp::setErrorDialogHandler([&](const QString& code, const QString& text) { errors << code + ' ' + text; });
   QTest::mouseClick(editor->findChild<QToolButton*>(QStringLiteral("_select")), Qt::LeftButton);
   EXPECT_EQ(title, QStringLiteral("Select Icon"));
   EXPECT_EQ(property.getValue().value<QImage>().size(), QSize(8, 4));
@@ -220,7 +220,7 @@ TEST(Property, IconPanelLoadsAChosenImageAndReportsOneThatDoesNotLoad)
   EXPECT_TRUE(property.getValue().value<QImage>().isNull());
   EXPECT_FALSE(remove->isEnabled());
   Vel::GTools::FileDialog::setHandler(nullptr);
-  Vel::GTools::setErrorDialogHandler(nullptr);
+  Vel::GApp::setErrorDialogHandler(nullptr);
 }
 
 // ---------------------------------------------------------------------------------------------

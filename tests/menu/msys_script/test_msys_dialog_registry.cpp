@@ -9,7 +9,7 @@
 
 #include "core/prog_error.h"
 #include "dialog_test_element.h"
-#include "gtools/error_dialog.h"
+#include "gapp/interaction.h"
 #include "gtools/vel_tool_tip_label.h"
 #include "menu/msys_script/msys_dialog_controls.h"
 #include "menu/msys_script/msys_dialog_styles.h"
@@ -368,7 +368,7 @@ TEST(ElementConfiguration, SetupAndApplyMoveAttributesThroughTheProperties)
   EXPECT_EQ(view->model()->index(0, 0).data().toString(), QStringLiteral("General"));
 
   QStringList reported;
-  Vel::GTools::setErrorDialogHandler([&](const QString&, const QString& text) { reported << text; });
+  Vel::GApp::setErrorDialogHandler([&](const QString&, const QString& text) { reported << text; });
   for (Property* property : panel->getProperties()) {
     if (property->getKey() == QLatin1String("name"))
       property->setValue(QStringLiteral("after"));
@@ -376,7 +376,7 @@ TEST(ElementConfiguration, SetupAndApplyMoveAttributesThroughTheProperties)
       property->setValue(QStringLiteral("oval"));
   }
   panel->apply(&widget);
-  Vel::GTools::setErrorDialogHandler(nullptr);
+  Vel::GApp::setErrorDialogHandler(nullptr);
   // The refused property is reported; the others are applied all the same.
   EXPECT_EQ(widget.getName(), QStringLiteral("after"));
   ASSERT_EQ(panel->getApplyErrors().size(), 1);

@@ -1,3 +1,5 @@
+#include <pybind11/eval.h>
+
 #include <QApplication>
 #include <QButtonGroup>
 #include <QComboBox>
@@ -14,19 +16,16 @@
 #include <QTimer>
 #include <QToolButton>
 
-#include <pybind11/eval.h>
-
-#include <gtest/gtest.h>
-
 #include <algorithm>
+#include <gtest/gtest.h>
 #include <optional>
 #include <tuple>
 
 #include "cfg/cfg.h"
 #include "core/prog_error.h"
 #include "dialog_test_tools.h"
+#include "gapp/interaction.h"
 #include "gscript/python_interpreter.h"
-#include "gtools/error_dialog.h"
 #include "menu/msys_script/msys_config.h"
 #include "menu/msys_script/msys_dialog_definition.h"
 #include "menu/msys_script/msys_dialog_list_widget.h"
@@ -342,9 +341,9 @@ protected:
     dialog->setValue(rows);
     dialog->show();
     ASSERT_TRUE(QTest::qWaitForWindowExposed(dialog.get()));
-    Vel::GTools::setErrorDialogHandler([this](const QString&, const QString& text) { errors << text; });
+    Vel::GApp::setErrorDialogHandler([this](const QString&, const QString& text) { errors << text; });
   }
-  void TearDown() override { Vel::GTools::setErrorDialogHandler(nullptr); }
+  void TearDown() override { Vel::GApp::setErrorDialogHandler(nullptr); }
 
   QPushButton* button(const char* name) const { return dialog->findChild<QPushButton*>(QString::fromLatin1(name)); }
   void click(const char* name) const { QTest::mouseClick(button(name), Qt::LeftButton); }
@@ -490,7 +489,7 @@ TEST_P(TableProperties, EditInTheTableEditorAndRefuseIncompleteRows)
   EXPECT_EQ(editor->findChild<QLabel*>(QStringLiteral("_preview"))->text(), QStringLiteral("2 entries"));
 
   QStringList errors;
-  Vel::GTools::setErrorDialogHandler([&](const QString&, const QString& text) { errors << text; });
+  Vel::GApp::setErrorDialogHandler([&](const QString&, const QString& text) { errors << text; });
   QSignalSpy modified(property.get(), &Property::signalModified);
   bool opened = false;
   QTimer::singleShot(0, [&] {
@@ -509,7 +508,7 @@ TEST_P(TableProperties, EditInTheTableEditorAndRefuseIncompleteRows)
       dialog->reject();
   });
   QTest::mouseClick(editor->findChild<QToolButton*>(QStringLiteral("_edit")), Qt::LeftButton);
-  Vel::GTools::setErrorDialogHandler(nullptr);
+  Vel::GApp::setErrorDialogHandler(nullptr);
   ASSERT_TRUE(opened);
   EXPECT_EQ(modified.count(), 1);
   EXPECT_EQ(property->getValue(), c.edited);

@@ -14,8 +14,8 @@
 #include "gapp/app_status_manager.h"
 #include "gapp/command_container.h"
 #include "gapp/data_change_notifier.h"
+#include "gapp/interaction.h"
 #include "gedit/source_editor.h"
-#include "gtools/error_dialog.h"
 #include "menu/msys_script/msys_cmd_editor.h"
 #include "menu/msys_script/msys_dlg_script_editor.h"
 #include "menu/msys_script/msys_python_dump.h"
@@ -432,7 +432,7 @@ TEST_F(EditorTest, ExitKeepsUnsavedChangesForRecoveryAndLeavesTheFileAlone)
   };
   std::vector<QString> questions;
   bool answer = true;
-  GTools::setQuestionHandler([&](const QString&, const QString& question) {
+  GApp::setQuestionHandler([&](const QString&, const QString& question) {
     questions.push_back(question);
     return answer;
   });
@@ -467,13 +467,13 @@ TEST_F(EditorTest, ExitKeepsUnsavedChangesForRecoveryAndLeavesTheFileAlone)
 
   // A recovery file that cannot be written is reported.
   std::vector<QString> shown;
-  GTools::setErrorDialogHandler([&](const QString& code, const QString&) { shown.push_back(code); });
+  GApp::setErrorDialogHandler([&](const QString& code, const QString&) { shown.push_back(code); });
   writeFile(dir.filePath(QStringLiteral("blocked")), "a file where the folder would be");
   qputenv("XDG_DATA_HOME", dir.filePath(QStringLiteral("blocked")).toLocal8Bit());
   typeAtEnd(QStringLiteral("#"));
   EXPECT_TRUE(GApp::AppStatusManager::requestExit(true));
-  GTools::setErrorDialogHandler(nullptr);
-  GTools::setQuestionHandler(nullptr);
+  GApp::setErrorDialogHandler(nullptr);
+  GApp::setQuestionHandler(nullptr);
   EXPECT_EQ(shown, std::vector<QString>{QStringLiteral("MSysScriptErr-0003")});
   EXPECT_EQ(readFile(path), QByteArray("x = 1\ny = 2"));
 }

@@ -18,9 +18,9 @@
 
 #include "dialog_test_element.h"
 #include "gapp/command_container.h"
+#include "gapp/interaction.h"
 #include "gedit/find_bar.h"
 #include "gedit/source_editor.h"
-#include "gtools/error_dialog.h"
 #include "menu/msys_script/msys_cmd_editor.h"
 #include "menu/msys_script/msys_dialog_answers.h"
 #include "menu/msys_script/msys_dlg_script_editor.h"
@@ -356,9 +356,9 @@ TEST_F(EditorDebugging, RecordedCommandsRunAgainDoTheSame)
   handle.set(QStringLiteral("dialog"),
              commands.getCommand(QStringLiteral("sys.create_user_defined_dialog"))->run(content, false));
   QStringList shown;
-  GTools::setErrorDialogHandler([&](const QString& code, const QString&) { shown << code; });
+  GApp::setErrorDialogHandler([&](const QString& code, const QString&) { shown << code; });
   commands.getCommand(QStringLiteral("sys.close_user_defined_dialog"))->run(handle, true);
-  GTools::setErrorDialogHandler(nullptr);
+  GApp::setErrorDialogHandler(nullptr);
   EXPECT_EQ(shown, QStringList{QStringLiteral("MSysScriptErr-0005")});
   EXPECT_EQ(dialog.text(), QString());
 

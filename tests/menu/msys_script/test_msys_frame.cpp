@@ -7,9 +7,9 @@
 #include "core/error_message_container.h"
 #include "gapp/app_status_manager.h"
 #include "gapp/command_container.h"
+#include "gapp/interaction.h"
 #include "gapp/main_window.h"
 #include "gscript/gui_handler.h"
-#include "gtools/error_dialog.h"
 #include "menu/msys_script/msys_cmd_test_timeout.h"
 #include "menu/msys_script/msys_config.h"
 #include "menu/msys_script/msys_dialog_widgets.h"
@@ -296,7 +296,7 @@ TEST_F(ModuleTest, SpecialMenuProviderIsASingleton)
   EXPECT_EQ(titles.value(0), QStringLiteral("sys.show_script_editor"));
   EXPECT_EQ(titles.size(), 6);
 
-  MSysScript::CloseDefaults();
+  MSysScript::CloseGui();
   EXPECT_EQ(ScriptSpecialMenuProvider::getInstance(), nullptr);
   EXPECT_TRUE(GApp::AppStatusManager::getExitNotifiers().empty());
   try {
@@ -305,7 +305,7 @@ TEST_F(ModuleTest, SpecialMenuProviderIsASingleton)
   } catch (const ProgError& error) {
     EXPECT_EQ(error.getMessage(), QStringLiteral("Instance not initialized"));
   }
-  MSysScript::InitDefaults();
+  MSysScript::InitGui();
   ProgError reported{QString(), QString(), QString()};
   EXPECT_FALSE(takeReportedProgError(reported));
   EXPECT_NE(ScriptSpecialMenuProvider::getInstance(), nullptr);
@@ -315,7 +315,7 @@ TEST_F(ModuleTest, SpecialMenuProviderIsASingleton)
 TEST_F(ModuleTest, ExitNotifierAsksOnlyInKioskModeAndNotWhenSilent)
 {
   int asked = 0;
-  GTools::setQuestionHandler([&](const QString& title, const QString& question) {
+  GApp::setQuestionHandler([&](const QString& title, const QString& question) {
     ++asked;
     EXPECT_EQ(title, QStringLiteral("Exit"));
     EXPECT_EQ(question, QStringLiteral("Do you want to exit the application?"));
@@ -332,26 +332,26 @@ TEST_F(ModuleTest, ExitNotifierAsksOnlyInKioskModeAndNotWhenSilent)
   EXPECT_EQ(asked, 1);
   EXPECT_FALSE(GScript::GUIHandler::getInstance()->isEscapeRequested());
   VelInit::setKioskMode(false);
-  GTools::setQuestionHandler(nullptr);
+  GApp::setQuestionHandler(nullptr);
   EXPECT_TRUE(notifier.canExit());
 }
 
-// The dialog registry is the last of the four start-up steps: when an earlier one fails, it is
-// not filled. Needs a process in which the module's defaults were never initialised.
+// The dialog registry is the last of the GUI half's start-up steps: when an earlier one fails, it
+// is not filled. Needs a process in which the GUI half was never initialised.
 TEST(ModuleDefaults, DialogRegistryIsInitialisedLast)
 {
   if (ScriptSpecialMenuProvider::getInstance() ||
       DialogRegistry::getRegistry()->getWidgetCreator(QStringLiteral("input::number")))
     GTEST_SKIP() << "the module's defaults were initialised earlier in this process";
   ScriptSpecialMenuProvider::initialize();
-  MSysScript::InitDefaults();
+  MSysScript::InitGui();
   ProgError reported{QString(), QString(), QString()};
   ASSERT_TRUE(takeReportedProgError(reported));
   EXPECT_EQ(reported.getMessage(), QStringLiteral("Singleton, only one instance allowed"));
   EXPECT_EQ(DialogRegistry::getRegistry()->getWidgetCreator(QStringLiteral("input::number")), nullptr);
   ScriptSpecialMenuProvider::deinitialize();
-  MSysScript::InitDefaults();
+  MSysScript::InitGui();
   EXPECT_FALSE(takeReportedProgError(reported));
   EXPECT_NE(DialogRegistry::getRegistry()->getWidgetCreator(QStringLiteral("input::number")), nullptr);
-  MSysScript::CloseDefaults();
+  MSysScript::CloseGui();
 }

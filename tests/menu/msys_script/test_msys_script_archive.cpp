@@ -8,8 +8,8 @@
 #include <map>
 
 #include "gapp/command_container.h"
+#include "gapp/interaction.h"
 #include "gscript/script_database.h"
-#include "gtools/error_dialog.h"
 #include "menu/msys_script/msys_cmd_export_script.h"
 #include "menu/msys_script/msys_python_script_database.h"
 #include "menu/msys_script/msys_script_archive.h"
@@ -228,11 +228,11 @@ TEST_F(ArchiveTest, ExportReadsIconsOnlyInsideTheDatabaseAndKeepsScriptsWhoseIco
   UpdateRegisteredCommands();
 
   QStringList warnings;
-  GTools::setErrorDialogHandler(
+  GApp::setErrorDialogHandler(
       [&](const QString& code, const QString& text) { warnings << code + QLatin1Char('|') + text; });
   const QString archive = dir.filePath(QStringLiteral("all.scriptar"));
   const QVariant exported = run("sys.export_script_archive", withFile(archive));
-  GTools::setErrorDialogHandler(nullptr);
+  GApp::setErrorDialogHandler(nullptr);
 
   EXPECT_EQ(exported.toStringList().size(), 4);
   ASSERT_EQ(warnings.size(), 1);

@@ -12,13 +12,13 @@
 #include "core/prog_error.h"
 #include "core/python_string.h"
 #include "gapp/command_container.h"
-#include "gapp/custom_toolbar_container.h"
+#include "gapp/interaction.h"
 #include "gapp/main_window.h"
 #include "gscript/import_handler.h"
 #include "gscript/python_interpreter.h"
 #include "gscript/safe_points.h"
 #include "gscript/script_database.h"
-#include "gtools/error_dialog.h"
+#include "gtools/custom_toolbar_container.h"
 #include "menu/msys_script/msys_cmd_editor.h"
 #include "menu/msys_script/msys_cmd_script.h"
 #include "menu/msys_script/msys_python_script_database.h"
@@ -247,12 +247,12 @@ TEST_F(ScriptDatabaseTest, DamagedMetadataIsReportedOnceAndLeftAsItIs)
   add(GScript::LEVEL_USER, QStringLiteral("a.py"), "pass\n");
   const QString meta = add(GScript::LEVEL_USER, QStringLiteral("a.meta.json"), "{broken");
   std::vector<QString> shown;
-  GTools::setErrorDialogHandler([&](const QString& code, const QString&) { shown.push_back(code); });
+  GApp::setErrorDialogHandler([&](const QString& code, const QString&) { shown.push_back(code); });
   {
     DatabaseLock database;
     EXPECT_EQ(database->getAllScripts().size(), 1u);
   }
-  GTools::setErrorDialogHandler(nullptr);
+  GApp::setErrorDialogHandler(nullptr);
   ASSERT_EQ(shown.size(), 1u);
   EXPECT_EQ(shown[0], QStringLiteral("MSysScriptErr-0001"));
   EXPECT_EQ(readFile(meta), QByteArray("{broken"));
@@ -329,7 +329,9 @@ TEST_F(ScriptDatabaseTest, TitlesNameTheLevelOnlyForScriptsWithAnIcon)
     ScriptCommand* script_command = command(QString::fromLatin1(name));
     ASSERT_NE(script_command, nullptr) << name;
     EXPECT_EQ(script_command->getTitle(), QString::fromLatin1(title));
-    EXPECT_NE(script_command->getIcon(), nullptr);
+    const QIcon icon = ScriptSpecialMenuProvider::iconOf(*script_command);
+    ASSERT_FALSE(icon.isNull()) << name;
+    EXPECT_EQ(icon.pixmap(8, 8).toImage().pixel(0, 0) == image.pixel(0, 0), QByteArray(name).endsWith("_icon")) << name;
   }
 }
 
@@ -520,8 +522,8 @@ TEST_F(ScriptDatabaseTest, ToolBarsOfAFolderFollowItsScripts)
   add(GScript::LEVEL_USER, QStringLiteral("tools/a.py"), "pass\n");
   refresh();
   QToolBar tool_bar;
-  GApp::CustomToolBarContainer::getInstance().addToolBar(&tool_bar,
-                                                         ScriptDatabase::makeGroupCommandName(QStringLiteral("tools")));
+  GTools::CustomToolBarContainer::getInstance().addToolBar(
+      &tool_bar, ScriptDatabase::makeGroupCommandName(QStringLiteral("tools")));
   const auto buttons = [&] {
     QStringList names;
     for (const QAction* action : tool_bar.actions())

@@ -9,7 +9,7 @@
 
 #include "cfg/cfg.h"
 #include "gapp/command_container.h"
-#include "gtools/error_dialog.h"
+#include "gapp/interaction.h"
 #include "menu/msys_script/msys_config.h"
 #include "menu/msys_script/msys_dlg_update_script.h"
 #include "menu/msys_script/msys_script_update.h"
@@ -151,10 +151,10 @@ TEST(UpdateScriptDialog, ShowsBothTextsWritesWithBackupAndKeepsItsGeometry)
   // An unreadable script opens no dialog: its error is shown, and the file stays as it is.
   ASSERT_TRUE(writeFile(path, "x = '\xff'\n"));
   QString shown;
-  GTools::setErrorDialogHandler([&](const QString& code, const QString& message) { shown = code + ": " + message; });
+  GApp::setErrorDialogHandler([&](const QString& code, const QString& message) { shown = code + ": " + message; });
   ErrorLog log;
   EXPECT_FALSE(showScriptUpdate(path, nullptr, log));
-  GTools::setErrorDialogHandler(nullptr);
+  GApp::setErrorDialogHandler(nullptr);
   const QString reason = QStringLiteral(
                              "%1: line 1 is not valid UTF-8, and the file declares no other encoding (a first line "
                              "such as '# -*- coding: latin-1 -*-' names the encoding it is written in).")

@@ -7,8 +7,8 @@
 #include "gapp/app_status_manager.h"
 #include "gapp/command.h"
 #include "gapp/command_container.h"
+#include "gapp/interaction.h"
 #include "gapp/main_window.h"
-#include "gtools/error_dialog.h"
 
 using namespace Vel;
 using namespace Vel::GApp;
@@ -216,13 +216,13 @@ TEST(CommandError, TextHasCodeMessageAndLog)
 TEST(MainWindow, ExecuteMenuReportsFailuresInsteadOfThrowing)
 {
   std::vector<std::pair<QString, QString>> shown;
-  GTools::setErrorDialogHandler([&](const QString& code, const QString& text) { shown.emplace_back(code, text); });
+  GApp::setErrorDialogHandler([&](const QString& code, const QString& text) { shown.emplace_back(code, text); });
   RecordingCommand good(QStringLiteral("test.menu.good"));
   RecordingCommand bad(QStringLiteral("test.menu.bad"), true);
   EXPECT_TRUE(MainWindow::executeMenu(&good));
   EXPECT_EQ(good.seen, QVariant(QStringLiteral("asked")));
   EXPECT_FALSE(MainWindow::executeMenu(&bad));
-  GTools::setErrorDialogHandler(nullptr);
+  GApp::setErrorDialogHandler(nullptr);
   ASSERT_EQ(shown.size(), 1u);
   EXPECT_EQ(shown[0].first, QStringLiteral("TestErr-0001"));
   EXPECT_EQ(shown[0].second, QStringLiteral("detail"));

@@ -10,10 +10,11 @@
 
 #include "core/vel_export.h"
 
-namespace Vel::GApp {
+namespace Vel::GTools {
 
 // The tool bars that show a group command's commands (the scripts of a folder, say). After the
-// commands change, update() rebuilds their buttons from the commands as they are now.
+// commands change (CommandContainer::updateAllActions), their buttons are rebuilt from the commands
+// as they are now.
 class VEL_EXPORT CustomToolBarContainer
 {
 public:
@@ -26,10 +27,10 @@ public:
   uint64_t getUpdateCount() const { return _update_count; }
 
 private:
-  CustomToolBarContainer() = default;
+  CustomToolBarContainer();
 
   std::vector<std::pair<QPointer<QToolBar>, QString>> _tool_bars;
   uint64_t _update_count = 0;
 };
 
-}  // namespace Vel::GApp
+}  // namespace Vel::GTools

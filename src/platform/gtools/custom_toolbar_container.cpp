@@ -1,4 +1,4 @@
-#include "gapp/custom_toolbar_container.h"
+#include "gtools/custom_toolbar_container.h"
 
 #include <QAction>
 
@@ -8,12 +8,22 @@
 #include "gapp/command_container.h"
 #include "gapp/main_window.h"
 
-namespace Vel::GApp {
+namespace Vel::GTools {
+
+using GApp::Command;
+using GApp::CommandContainer;
+using GApp::MainWindow;
+using GApp::ToolBarGroupCommand;
 
 CustomToolBarContainer& CustomToolBarContainer::getInstance()
 {
   static CustomToolBarContainer instance;
   return instance;
+}
+
+CustomToolBarContainer::CustomToolBarContainer()
+{
+  CommandContainer::getInstance().addActionsListener([this] { update(); });
 }
 
 void CustomToolBarContainer::addToolBar(QToolBar* tool_bar, const QString& group)
@@ -53,4 +63,4 @@ void CustomToolBarContainer::update()
   }
 }
 
-}  // namespace Vel::GApp
+}  // namespace Vel::GTools
