@@ -1,6 +1,7 @@
 #include "zut_host.h"
 
 #include <QCoreApplication>
+#include <QThread>
 
 #include <cstdio>
 
@@ -75,6 +76,9 @@ void ZutHost::bringUpGui()
 {
   if (_gui_up)
     return;
+  // The console application object cannot go while an event loop of it runs.
+  if (QThread::currentThread()->loopLevel() > 0)
+    failGui(QStringLiteral("an event loop of the console application is running"));
   // Everything is loaded before the console application object goes, so that a failure
   // leaves the run as it was.
   _gui_plugin.setFileName(Vel::GApp::ModuleLoader::modulePath(QStringLiteral("ZutGui")));
@@ -87,7 +91,7 @@ void ZutHost::bringUpGui()
   if (_module && !init_gui)
     failGui(_module_gui.errorString());
   // One application object at a time. Nothing of the console one is lost that matters: no event
-  // loop runs at this point, the catalogues are installed again, and the name is kept by Qt.
+  // loop runs, the catalogues are installed again, and Qt keeps the name.
   _application.reset();
   _application.reset(create(&_argc, _argv, _picture ? 1 : 0));
   Vel::reinstallTranslators();

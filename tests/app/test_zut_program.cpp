@@ -50,6 +50,8 @@ protected:
     environment.remove(QStringLiteral("QT_QPA_PLATFORM"));
     if (!display.isEmpty())
       environment.insert(QStringLiteral("DISPLAY"), display);
+    for (const auto& [name, value] : overrides)
+      environment.insert(name, value);
     process.setProcessEnvironment(environment);
     // Whatever a script writes beside itself lands in the test's own folder.
     process.setWorkingDirectory(home.path());
@@ -64,6 +66,7 @@ protected:
   QString configFile() const { return home.filePath(QStringLiteral("config/zut/config.json")); }
 
   QTemporaryDir home;
+  std::map<QString, QString> overrides;  // of the environment
 };
 
 }  // namespace
@@ -101,6 +104,32 @@ TEST_F(ZutProgram, ExecCallAndRun)
   const Result run = zut({QStringLiteral("run"), script, QStringLiteral("-p"), QStringLiteral("n=41"),
                           QStringLiteral("-p"), QStringLiteral("s=some text")});
   EXPECT_EQ(run.out, QStringLiteral("42 some text\n")) << qPrintable(run.err);
+}
+
+// A run that draws nothing loads no widget library; the first dialog brings the windows up in
+// the middle of the run, which goes on with its catalogue, its dialog answers and its commands.
+TEST_F(ZutProgram, WindowsComeUpWhenTheFirstIsNeededAndTheRunGoesOn)
+{
+  const QString script = file("windows.py", R"(import sys, zut
+def windows():
+    return any('libQt6Gui' in line for line in open('/proc/self/maps'))
+def failure():
+    try:
+        zut.script.sys.execute_script(file='/nonexistent/none.py')
+    except zut.CommandError as error:
+        return str(error).splitlines()[0]
+print(windows(), failure())
+zut.answer_dialogs([{"values": {"offset": 0.5}, "button": "ok"}])
+result = zut.script.sys.execute_user_defined_dialog(content=open(sys.argv[1]).read())
+print(windows(), result.result, result.offset, failure())
+)");
+  overrides[QStringLiteral("LANG")] = QStringLiteral("de_DE.UTF-8");
+  const QString dialog =
+      qEnvironmentVariable("ZUT_SOURCE_DIR") + QStringLiteral("/examples/dialogs/control_okcancel.xml");
+  const Result run = zut({QStringLiteral("run"), script, dialog});
+  EXPECT_EQ(run.status, 0) << qPrintable(run.err);
+  EXPECT_EQ(run.out, QStringLiteral("False MSysScriptErr-0002: Fehler beim Laden des Skripts\n"
+                                    "True True 0.5 MSysScriptErr-0002: Fehler beim Laden des Skripts\n"));
 }
 
 TEST_F(ZutProgram, FailuresPrintCodeMessageAndLogAndExitOne)
