@@ -28,6 +28,9 @@ VEL_EXPORT void UpdateRegisteredCommands();
 // A delay as the host runs it between commands: the arguments of "sys.delay_script" for a wait
 // of `seconds` (checked when the command runs). The host owns the object.
 VEL_EXPORT Vel::GApp::CommandParameters* CreateParameterDelay(double seconds);
+// The functions below as far as DescribeDialog are the GUI half's (VelMSysScriptGui); FreeAnalysis
+// is the module's and releases their results too.
+//
 // For the program's tools: the foldable blocks ("blocks") or the colour runs ("highlight") of a
 // Python text (UTF-8), as text or JSON. The result is released with FreeAnalysis; null for an
 // unknown request.

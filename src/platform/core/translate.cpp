@@ -32,11 +32,12 @@ QString translate(const char* context, const char* text, const char* key)
 }
 
 namespace {
-// Catalogues stay for the process lifetime, across a change of the application object.
+// Catalogues stay for the process lifetime, across a change of the application object; never
+// destroyed, as text may be translated until the very end.
 std::vector<QTranslator*>& installedTranslators()
 {
-  static std::vector<QTranslator*> translators;
-  return translators;
+  static auto* translators = new std::vector<QTranslator*>;
+  return *translators;
 }
 }  // namespace
 
