@@ -25,9 +25,6 @@ QuestionHandler& questionHandler()
   return handler;
 }
 
-}  // namespace
-
-namespace {
 QtMessageHandler default_handler = nullptr;
 
 // The offscreen platform says on every window that it cannot do what only a screen can do.
@@ -38,6 +35,12 @@ void quietOffscreen(QtMsgType type, const QMessageLogContext& context, const QSt
   if (default_handler)
     default_handler(type, context, message);
 }
+
+bool interactivePlatform(const QString& platform)
+{
+  return platform != QLatin1String("offscreen") && platform != QLatin1String("minimal");
+}
+
 }  // namespace
 
 void prepareGuiEnvironment()
@@ -112,9 +115,16 @@ const Services& services()
 }  // namespace Gui
 
 namespace {
-bool interactivePlatform(const QString& platform)
+// A person is to see something: the GUI comes up for it. False where it cannot.
+bool bringUpForPerson()
 {
-  return platform != QLatin1String("offscreen") && platform != QLatin1String("minimal");
+  try {
+    Gui::ensureUp();
+  } catch (const ProgError& failure) {
+    std::fprintf(stderr, "%s\n", failure.what());
+    return false;
+  }
+  return true;
 }
 }  // namespace
 
@@ -130,18 +140,6 @@ bool isInteractive()
   if (!platform.isEmpty())
     return interactivePlatform(platform.section(QLatin1Char(':'), 0, 0));
   return !qEnvironmentVariableIsEmpty("DISPLAY") || !qEnvironmentVariableIsEmpty("WAYLAND_DISPLAY");
-}
-
-// A person is to see something: the GUI comes up for it. False where it cannot.
-bool bringUpForPerson()
-{
-  try {
-    Gui::ensureUp();
-  } catch (const ProgError& failure) {
-    std::fprintf(stderr, "%s\n", failure.what());
-    return false;
-  }
-  return true;
 }
 
 void ErrorDialog(const QString& code, const QString& text)

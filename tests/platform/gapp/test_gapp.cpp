@@ -1,6 +1,7 @@
 #include <QMenu>
 
 #include <gtest/gtest.h>
+#include <map>
 #include <memory>
 
 #include "core/prog_error.h"
@@ -226,6 +227,62 @@ TEST(MainWindow, ExecuteMenuReportsFailuresInsteadOfThrowing)
   ASSERT_EQ(shown.size(), 1u);
   EXPECT_EQ(shown[0].first, QStringLiteral("TestErr-0001"));
   EXPECT_EQ(shown[0].second, QStringLiteral("detail"));
+}
+
+// With a loader, the windows come up once, when first needed; a loader that fails leaves them
+// down, the question gets its fallback answer, and the next need tries again. Before they are up,
+// whether a person is there is what the environment says the windows would open on.
+TEST(Gui, ComesUpOnceWhenFirstNeededAndKnowsWhetherAPersonIsThere)
+{
+  const char* const names[] = {"QT_QPA_PLATFORM", "DISPLAY", "WAYLAND_DISPLAY"};
+  std::map<const char*, QByteArray> saved;
+  for (const char* name : names)
+    saved[name] = qgetenv(name);
+  const auto set = [&](const char* platform, const char* display) {
+    for (const char* name : names)
+      qunsetenv(name);
+    if (*platform)
+      qputenv("QT_QPA_PLATFORM", platform);
+    if (*display)
+      qputenv("DISPLAY", display);
+  };
+  int loads = 0;
+  bool fails = true;
+  GApp::Gui::setLoader([&] {
+    ++loads;
+    if (fails)
+      throw ProgError(QStringLiteral("load"), QStringLiteral("test"), QStringLiteral("no windows here"));
+  });
+  const struct
+  {
+    const char* platform;
+    const char* display;
+    bool interactive;
+  } cases[] = {{"offscreen", ":0", false},         {"minimal", "", false}, {"xcb", "", true},
+               {"wayland:nodecoration", "", true}, {"", ":5", true},       {"", "", false}};
+  for (const auto& c : cases) {
+    set(c.platform, c.display);
+    EXPECT_EQ(GApp::isInteractive(), c.interactive) << c.platform << " " << c.display;
+  }
+  EXPECT_EQ(loads, 0);
+  EXPECT_FALSE(GApp::Gui::isUp());
+
+  set("xcb", "");
+  EXPECT_TRUE(GApp::askYesNo(QStringLiteral("Exit"), QStringLiteral("Really?"), true));
+  EXPECT_THROW(GApp::Gui::ensureUp(), ProgError);
+  EXPECT_FALSE(GApp::Gui::isUp());
+  fails = false;
+  GApp::Gui::ensureUp();
+  GApp::Gui::ensureUp();
+  EXPECT_EQ(loads, 3);
+  EXPECT_TRUE(GApp::Gui::isUp());
+  // Up, the application's own platform decides: the tests' is offscreen.
+  EXPECT_FALSE(GApp::isInteractive());
+
+  GApp::Gui::setLoader(nullptr);
+  for (const char* name : names)
+    saved[name].isNull() ? qunsetenv(name) : qputenv(name, saved[name]);
+  EXPECT_TRUE(GApp::Gui::isUp());
 }
 
 TEST(AppStatusManager, ExitNeedsEveryNotifierAndPreparesOnlyThen)
