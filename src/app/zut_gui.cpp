@@ -86,12 +86,6 @@ VEL_EXPORT void ZutGuiFinishOpenDialogs(int interactive)
   loop.exec();
 }
 
-// Whether a main window (the editor) is shown.
-VEL_EXPORT int ZutGuiHasMainWindow()
-{
-  return mainWindow() ? 1 : 0;
-}
-
 // Writes a picture of the shown main window once it has laid itself out and coloured its text,
 // and closes it. 0 on success.
 VEL_EXPORT int ZutGuiGrabMainWindow(const char* file)
