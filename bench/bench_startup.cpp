@@ -1,5 +1,6 @@
-// Start-up cost of the program against the bare interpreter: `zut exec "pass"` loads Qt, the
-// host libraries, the scripting module and the embedded Python before it runs anything.
+// Start-up cost of the program against the bare interpreter: `zut exec "pass"` loads Qt Core, the
+// host libraries, the scripting module and the embedded Python before it runs anything (the
+// widget libraries only come with a first window).
 
 #include <benchmark/benchmark.h>
 #include <cstdlib>
