@@ -5,6 +5,9 @@
 
 namespace Vel::MSysScript {
 
+// The commands are declared here; the dialogs they work on, and so their bodies, are in the
+// module's GUI half.
+
 using Meta = GApp::CommandMetaInfo;
 
 namespace {
@@ -15,14 +18,6 @@ Meta::Argument contentArgument()
 Meta::Argument dialogArgument()
 {
   return {QStringLiteral("dialog"), Meta::TYPE_OBJECT, QStringLiteral("a dialog handle"), true};
-}
-
-// The dialogs themselves are in the module's GUI half.
-void forward(MSysCommand& command, const GApp::CommandParameters& parameters)
-{
-  const QVariant result = guiHalf().execute(command.getName(), parameters);
-  if (result.isValid())
-    command.setResult(result);
 }
 
 }  // namespace
@@ -47,7 +42,7 @@ CreateDialogCommand::CreateDialogCommand()
 
 void CreateDialogCommand::execute(const GApp::CommandParameters& parameters)
 {
-  forward(*this, parameters);
+  executeInGuiHalf(*this, parameters);
 }
 
 ExecuteDialogCommand::ExecuteDialogCommand()
@@ -57,7 +52,7 @@ ExecuteDialogCommand::ExecuteDialogCommand()
 
 void ExecuteDialogCommand::execute(const GApp::CommandParameters& parameters)
 {
-  forward(*this, parameters);
+  executeInGuiHalf(*this, parameters);
 }
 
 ShowDialogCommand::ShowDialogCommand()
@@ -69,7 +64,7 @@ ShowDialogCommand::ShowDialogCommand()
 
 void ShowDialogCommand::execute(const GApp::CommandParameters& parameters)
 {
-  forward(*this, parameters);
+  executeInGuiHalf(*this, parameters);
 }
 
 OpenDialogCommand::OpenDialogCommand()
@@ -81,7 +76,7 @@ OpenDialogCommand::OpenDialogCommand()
 
 void OpenDialogCommand::execute(const GApp::CommandParameters& parameters)
 {
-  forward(*this, parameters);
+  executeInGuiHalf(*this, parameters);
 }
 
 CloseDialogCommand::CloseDialogCommand()
@@ -96,7 +91,7 @@ CloseDialogCommand::CloseDialogCommand()
 
 void CloseDialogCommand::execute(const GApp::CommandParameters& parameters)
 {
-  forward(*this, parameters);
+  executeInGuiHalf(*this, parameters);
 }
 
 }  // namespace Vel::MSysScript

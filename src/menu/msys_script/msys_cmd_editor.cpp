@@ -20,7 +20,7 @@ EditorCommand::~EditorCommand()
 
 void EditorCommand::execute(const GApp::CommandParameters& parameters)
 {
-  guiHalf().execute(getName(), parameters);
+  executeInGuiHalf(*this, parameters);
 }
 
 }  // namespace Vel::MSysScript

@@ -1,6 +1,7 @@
 #include "menu/msys_script/msys_gui_half.h"
 
 #include "core/prog_error.h"
+#include "gapp/command.h"
 #include "gapp/interaction.h"
 
 namespace Vel::MSysScript {
@@ -29,6 +30,13 @@ const GuiHalf& guiHalf()
 const GuiHalf* loadedGuiHalf()
 {
   return GApp::Gui::isUp() && installed().execute ? &installed() : nullptr;
+}
+
+void executeInGuiHalf(GApp::Command& command, const GApp::CommandParameters& parameters)
+{
+  const QVariant result = guiHalf().execute(command.getName(), parameters);
+  if (result.isValid())
+    command.setResult(result);
 }
 
 }  // namespace Vel::MSysScript

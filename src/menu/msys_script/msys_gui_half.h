@@ -7,6 +7,7 @@
 #include <functional>
 
 namespace Vel::GApp {
+class Command;
 class CommandParameters;
 }
 namespace Vel::GScript {
@@ -35,5 +36,7 @@ void installGuiHalf(const GuiHalf& half);
 const GuiHalf& guiHalf();
 // The GUI half if it is up; null otherwise, and nothing is loaded for it.
 const GuiHalf* loadedGuiHalf();
+// Runs the command's body in the GUI half (bringing it up) and keeps the result it gives.
+void executeInGuiHalf(GApp::Command& command, const GApp::CommandParameters& parameters);
 
 }  // namespace Vel::MSysScript

@@ -114,20 +114,6 @@ const Services& services()
 }
 }  // namespace Gui
 
-namespace {
-// A person is to see something: the GUI comes up for it. False where it cannot.
-bool bringUpForPerson()
-{
-  try {
-    Gui::ensureUp();
-  } catch (const ProgError& failure) {
-    std::fprintf(stderr, "%s\n", failure.what());
-    return false;
-  }
-  return true;
-}
-}  // namespace
-
 bool isInteractive()
 {
   if (Gui::isUp())
@@ -142,6 +128,23 @@ bool isInteractive()
   return !qEnvironmentVariableIsEmpty("DISPLAY") || !qEnvironmentVariableIsEmpty("WAYLAND_DISPLAY");
 }
 
+namespace {
+// What the widgets offer for showing or asking a person something, with the GUI brought up for
+// it; null where nobody is there to see it or the GUI cannot come up.
+const Gui::Services* servicesForPerson()
+{
+  if (!isInteractive())
+    return nullptr;
+  try {
+    Gui::ensureUp();
+  } catch (const ProgError& failure) {
+    std::fprintf(stderr, "%s\n", failure.what());
+    return nullptr;
+  }
+  return &Gui::services();
+}
+}  // namespace
+
 void ErrorDialog(const QString& code, const QString& text)
 {
   if (errorHandler()) {
@@ -152,8 +155,8 @@ void ErrorDialog(const QString& code, const QString& text)
   const QString headline = code.isEmpty()      ? text.section(QLatin1Char('\n'), 0, 0)
                            : message.isEmpty() ? code
                                                : QStringLiteral("%1: %2").arg(code, message);
-  if (isInteractive() && bringUpForPerson() && Gui::services().show_error) {
-    Gui::services().show_error(code, headline, text);
+  if (const Gui::Services* gui = servicesForPerson(); gui && gui->show_error) {
+    gui->show_error(code, headline, text);
     return;
   }
   std::fprintf(stderr, "%s\n", headline.toLocal8Bit().constData());
@@ -165,16 +168,14 @@ bool askYesNo(const QString& title, const QString& question, bool fallback)
 {
   if (questionHandler())
     return questionHandler()(title, question);
-  if (!isInteractive() || !bringUpForPerson() || !Gui::services().ask_yes_no)
-    return fallback;
-  return Gui::services().ask_yes_no(title, question);
+  const Gui::Services* gui = servicesForPerson();
+  return gui && gui->ask_yes_no ? gui->ask_yes_no(title, question) : fallback;
 }
 
 QStringList askFileNames(FileQuestion question, const QString& title, const QString& filter)
 {
-  if (!isInteractive() || !bringUpForPerson() || !Gui::services().ask_files)
-    return {};
-  return Gui::services().ask_files(int(question), title, filter);
+  const Gui::Services* gui = servicesForPerson();
+  return gui && gui->ask_files ? gui->ask_files(int(question), title, filter) : QStringList();
 }
 
 void setErrorDialogHandler(ErrorDialogHandler handler)
